@@ -1,0 +1,45 @@
+# The two commands of the README are `make run` and `make test`; each sets up what it needs.
+BUILD_PACKAGES := g++ cmake make pkg-config libboost-regex-dev libglib2.0-dev
+TEST_PACKAGES := $(BUILD_PACKAGES) googletest libgtest-dev clang libclang-rt-14-dev
+BENCH_PACKAGES := $(BUILD_PACKAGES) libbenchmark-dev hyperfine plocate findutils
+
+RELEASE_DIR := build/release
+TEST_DIR := build/test
+FUZZ_DIR := build/fuzz
+BENCH_DIR := build/bench
+JOBS := $(shell nproc)
+FUZZ_SECONDS ?= 30
+
+.PHONY: run build test fuzz bench deps-build deps-test deps-bench format
+
+run: build
+	@./scripts/run-sorvanta $(RELEASE_DIR)
+
+build: deps-build
+	@cmake -S . -B $(RELEASE_DIR) -DCMAKE_BUILD_TYPE=Release > /dev/null
+	@cmake --build $(RELEASE_DIR) -j $(JOBS)
+
+test: deps-test
+	@cmake -S . -B $(TEST_DIR) -DCMAKE_BUILD_TYPE=Debug -DSORVANTA_TESTS=ON -DSORVANTA_SANITIZE=ON > /dev/null
+	@cmake --build $(TEST_DIR) -j $(JOBS)
+	@./scripts/run-fuzzers $(FUZZ_DIR) $(FUZZ_SECONDS)
+	@cd $(TEST_DIR) && ctest --output-on-failure -j $(JOBS)
+
+fuzz: deps-test
+	@./scripts/run-fuzzers $(FUZZ_DIR) $(FUZZ_SECONDS)
+
+bench: deps-bench
+	@cmake -S . -B $(BENCH_DIR) -DCMAKE_BUILD_TYPE=Release -DSORVANTA_BENCH=ON > /dev/null
+	@cmake --build $(BENCH_DIR) -j $(JOBS)
+
+deps-build:
+	@./scripts/ensure-packages $(BUILD_PACKAGES)
+
+deps-test:
+	@./scripts/ensure-packages $(TEST_PACKAGES)
+
+deps-bench:
+	@./scripts/ensure-packages $(BENCH_PACKAGES)
+
+format:
+	@git ls-files '*.cpp' '*.h' | xargs clang-format -i
