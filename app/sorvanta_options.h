@@ -1,0 +1,20 @@
+#pragma once
+
+#include "loam/file_spec.h"
+
+#include <cstdint>
+
+// The application-wide settings that live outside any window: the index folder and the limit
+// on the results shown. Both are read from the preferences once, at start.
+class SorvantaOptions {
+public:
+    static constexpr int32_t DefaultMaxResults = 1000;
+    static constexpr int32_t MaxResultsStep = 1000;
+    static constexpr int32_t MaxResultsCeiling = 50000;
+
+    static void LoadSettings();
+    static int32_t GetMaxResults();
+    // Snaps the count to a multiple of 1,000 between 1,000 and 50,000 and stores it at once.
+    static void SetMaxResults(int32_t count);
+    static void SetIndexFolder(const loam::FileSpec& folder);
+};
