@@ -11,11 +11,15 @@ constexpr uint64_t fileTimeOf1970 = 116444736000000000ULL;
 constexpr int64_t fileTimeTicksPerSecond = 10000000;
 constexpr size_t formatBufferSize = 256;
 
-int32_t LowBits(int64_t value) { return static_cast<int32_t>(static_cast<uint32_t>(value)); }
+int32_t LowBits(int64_t value) {
+    return static_cast<int32_t>(static_cast<uint32_t>(value));
+}
 
 } // namespace
 
-DateTime DateTime::Now() { return DateTime(LowBits(std::time(nullptr))); }
+DateTime DateTime::Now() {
+    return DateTime(LowBits(std::time(nullptr)));
+}
 
 void DateTime::FromFileTime(uint64_t fileTime) {
     // Signed, so that a time before 1970 comes out negative.

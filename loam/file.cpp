@@ -22,9 +22,13 @@ bool File::WriteLine(const char* text) {
     return Write(text, length, nullptr) && WriteLineEnd();
 }
 
-bool File::WriteLineEnd() { return Write("\r\n", 2, nullptr); }
+bool File::WriteLineEnd() {
+    return Write("\r\n", 2, nullptr);
+}
 
-bool File::WriteByte(uint8_t value) { return Write(&value, 1, nullptr); }
+bool File::WriteByte(uint8_t value) {
+    return Write(&value, 1, nullptr);
+}
 
 String GetModeString(uint32_t mode) {
     String text;

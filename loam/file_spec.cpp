@@ -14,7 +14,9 @@ namespace {
 
 constexpr uint32_t copyBufferSize = 0x10000;
 
-bool IsAsciiLetter(char byte) { return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z'); }
+bool IsAsciiLetter(char byte) {
+    return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z');
+}
 
 bool IsDriveRoot(const String& text) {
     const char* bytes = text.GetCString();
@@ -132,10 +134,9 @@ bool FileSpec::CreateFolderTree(CreateFolderHandler* handler) const {
         if (kind == FileKindNone && !parent.CreateFolderTree(handler))
             return false;
         if (kind == FileKindFile) {
-            return RaiseError(ErrorAccessDenied,
-                              ("Unable to create the folder \"" + parent.path +
-                               "\" because it already exists as a file.")
-                                  .GetCString());
+            return RaiseError(ErrorAccessDenied, ("Unable to create the folder \"" + parent.path +
+                                                  "\" because it already exists as a file.")
+                                                     .GetCString());
         }
     }
     return CreateFolder(handler);
@@ -145,9 +146,9 @@ bool FileSpec::Copy(const FileSpec& destination, bool createFolders,
                     CopyFileHandler* handler) const {
     const FileKind kind = destination.GetKind();
     if (kind == FileKindFolder) {
-        return RaiseError(ErrorAccessDenied, ("Unable to copy to \"" + destination.path +
-                                              "\" because it is a folder.")
-                                                 .GetCString());
+        return RaiseError(ErrorAccessDenied,
+                          ("Unable to copy to \"" + destination.path + "\" because it is a folder.")
+                              .GetCString());
     }
     if (kind == FileKindFile && !destination.Delete())
         return false;

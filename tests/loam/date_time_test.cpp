@@ -1,0 +1,54 @@
+#include "loam/date_time.h"
+
+#include "scratch_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <ctime>
+#include <string>
+
+namespace {
+
+using loam::DateTime;
+
+TEST(DateTimeTest, FileTimeCountsWholeSecondsFrom1970) {
+    constexpr uint64_t of1970 = 116444736000000000ULL;
+    const std::pair<uint64_t, int32_t> cases[] = {
+        {of1970, 0},
+        {of1970 + 10000000, 1},
+        {of1970 + 9999999, 0},
+        {of1970 - 10000000, -1},
+        {of1970 + 946684800ULL * 10000000, 946684800},
+    };
+    for (const auto& [fileTime, seconds] : cases) {
+        DateTime time;
+        time.FromFileTime(fileTime);
+        EXPECT_EQ(time.GetSeconds(), seconds) << fileTime;
+    }
+}
+
+TEST(DateTimeTest, FormatShowsLocalTimeOfTheZone) {
+    struct Case {
+        const char* zone;
+        int32_t seconds;
+        std::string format;
+        std::string text;
+    };
+    const Case cases[] = {
+        {"UTC0", 946684800, "%d/%m/%y %H:%M", "01/01/00 00:00"},
+        {"JST-9", 946684800, "%d/%m/%y %H:%M", "01/01/00 09:00"},
+        {"EST5", 0, "%d/%m/%y %H:%M", "31/12/69 19:00"},
+        {"UTC0", 0, std::string(255, 'y'), std::string(255, 'y')},
+        {"UTC0", 0, std::string(300, 'x'), ""},
+    };
+    for (const Case& c : cases) {
+        ScopedEnvironment tz("TZ", c.zone);
+        tzset();
+        loam::String out("untouched");
+        DateTime(c.seconds).Format(out, c.format.c_str());
+        EXPECT_EQ(out.GetCString(), c.text) << c.zone;
+    }
+    tzset();
+}
+
+} // namespace

@@ -1,0 +1,86 @@
+#include "loam/file_spec.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+using loam::FileSpec;
+
+std::string Text(const FileSpec& spec) {
+    return spec.GetPath().GetCString();
+}
+
+TEST(FileSpecTest, ParentKeepsItsTrailingSeparator) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"/a/b", "/a/"},
+        {"/a/b/", "/a/"},
+        {"/a/b//", "/a/"},
+        {"/a", "/"},
+        {"//server/share/", "//server/"},
+        {"C:/a", "C:/"},
+        {"/", nullptr},
+        {"//", nullptr},
+        {"C:/", nullptr},
+        {"name", nullptr},
+        {"", nullptr},
+    };
+    for (const auto& [path, parent] : cases) {
+        FileSpec out("untouched");
+        EXPECT_EQ(FileSpec(path).GetParent(out), parent != nullptr) << path;
+        EXPECT_EQ(Text(out), parent ? parent : "untouched") << path;
+    }
+}
+
+TEST(FileSpecTest, RelativeToMatchesLeadingBytesWithoutRegardToCase) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"", "/home/user/x"}, {"/HOME", "user/x"},  {"/home/", "user/x"},
+        {"/ho", "me/user/x"}, {"/home/user/x", ""}, {"/home/user/x/y", nullptr},
+        {"/usr", nullptr},
+    };
+    for (const auto& [base, rest] : cases) {
+        loam::String out("untouched");
+        EXPECT_EQ(FileSpec("/home/user/x").GetRelativeTo(FileSpec(base), out), rest != nullptr);
+        EXPECT_STREQ(out.GetCString(), rest ? rest : "untouched") << base;
+    }
+}
+
+TEST(FileSpecTest, AppendKeepsTheComponentAndAppendPathDropsItsLeadingSeparators) {
+    struct Case {
+        const char* path;
+        const char* component;
+        const char* appended;
+        const char* appendedPath;
+    };
+    const Case cases[] = {
+        {"", "x", "x", "x"},          {"/a", "x", "/a/x", "/a/x"},
+        {"/a/", "x", "/a/x", "/a/x"}, {"/a", "//x/y", "/a///x/y", "/a/x/y"},
+        {"/a", "", "/a/", "/a"},
+    };
+    for (const Case& c : cases) {
+        FileSpec append(c.path), appendPath(c.path);
+        append.Append(c.component);
+        appendPath.AppendPath(c.component);
+        EXPECT_EQ(Text(append), c.appended) << c.path << " + " << c.component;
+        EXPECT_EQ(Text(appendPath), c.appendedPath) << c.path << " + " << c.component;
+    }
+}
+
+TEST(FileSpecTest, LeafNameAndSeparatorConversion) {
+    const std::pair<const char*, const char*> leaves[] = {
+        {"/a/b.txt", "b.txt"}, {"/a/b/", ""}, {"name", "name"}, {"", ""}};
+    for (const auto& [path, leaf] : leaves) {
+        loam::String out("untouched");
+        FileSpec(path).GetLeafName(out);
+        EXPECT_STREQ(out.GetCString(), leaf) << path;
+    }
+    FileSpec spec;
+    spec.SetPath("C:\\a\\b", '\\');
+    EXPECT_EQ(Text(spec), "C:/a/b");
+    loam::String windows;
+    spec.GetPathWithSeparator(windows, '\\');
+    EXPECT_STREQ(windows.GetCString(), "C:\\a\\b");
+}
+
+} // namespace
