@@ -1,0 +1,344 @@
+#include "loam/preferences.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <sstream>
+#include <string>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class PreferencesTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        std::string pattern = (fs::temp_directory_path() / "prefs_test_XXXXXX").string();
+        ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
+        folder = pattern;
+        ::setenv("XDG_CONFIG_HOME", folder.c_str(), 1);
+        loam::SetPreferenceLocation("Wendlemark", "Sorvanta");
+    }
+    void TearDown() override {
+        ::unsetenv("XDG_CONFIG_HOME");
+        fs::remove_all(folder);
+    }
+
+    std::string StorePath() const { return folder + "/Wendlemark/Sorvanta.conf"; }
+    std::string ReadStore() const {
+        std::ifstream in(StorePath(), std::ios::binary);
+        std::ostringstream text;
+        text << in.rdbuf();
+        return text.str();
+    }
+    void WriteStore(const std::string& bytes) const {
+        fs::create_directories(folder + "/Wendlemark");
+        std::ofstream(StorePath(), std::ios::binary) << bytes;
+    }
+    static int ModeOf(const std::string& path) {
+        struct stat status {};
+        return ::stat(path.c_str(), &status) == 0 ? static_cast<int>(status.st_mode & 0777) : -1;
+    }
+
+    std::string folder;
+    // A tree of its own, as a process that starts afresh has.
+    loam::Preferences prefs{"", nullptr};
+};
+
+TEST_F(PreferencesTest, DottedNamesMakeOneGroupPerNode) {
+    loam::Preferences& root = loam::GetPreferences();
+    EXPECT_EQ(&root, &loam::GetPreferences());
+    EXPECT_TRUE(root.SetString("IndexLocation", "/home/ann/index"));
+    EXPECT_TRUE(root.SetBool("Options.AutoWildcards", true));
+    EXPECT_TRUE(root.SetInt("MaxResults", 2000));
+    EXPECT_TRUE(root.SetInt("UI.SearchPattern.Count", 2));
+    EXPECT_TRUE(root.SetString("a.b.c", "x"));
+    EXPECT_TRUE(root.SetInt("General.Width", 5));
+    EXPECT_EQ(ReadStore(), "[General]\nIndexLocation=/home/ann/index\nMaxResults=2000\n\n"
+                           "[Options]\nAutoWildcards=true\n\n[UI/SearchPattern]\nCount=2\n\n"
+                           "[a/b]\nc=x\n\n[%General]\nWidth=5\n");
+    uint32_t width = 0;
+    EXPECT_TRUE(prefs.GetInt("general.width", width));
+    EXPECT_EQ(width, 5u);
+}
+
+TEST_F(PreferencesTest, NamesKeepTheCaseInWhichTheyWereFirstWritten) {
+    EXPECT_TRUE(prefs.SetInt("UI.SearchPattern.Count", 1));
+    EXPECT_TRUE(prefs.SetInt("ui.SEARCHPATTERN.count", 2));
+    loam::Preferences other("", nullptr);
+    EXPECT_TRUE(other.SetInt("UI.searchpattern.COUNT", 3));
+    EXPECT_TRUE(other.SetString("ui.searchpattern.Item0", "a"));
+    EXPECT_TRUE(other.SetBool("ui.searchpattern.deeper.On", true));
+    uint32_t count = 0;
+    EXPECT_TRUE(prefs.GetInt("Ui.SearchPattern.Count", count));
+    EXPECT_EQ(count, 3u);
+    EXPECT_EQ(ReadStore(), "[UI/SearchPattern]\nCount=3\nItem0=a\n\n"
+                           "[UI/SearchPattern/deeper]\nOn=true\n");
+}
+
+TEST_F(PreferencesTest, StoredTextReadsByType) {
+    WriteStore("[General]\nN=42\nNeg=-5\nMax=4294967295\nOver=4294967296\nText=hello\n"
+               "Yes=true\nNo=false\nEmpty=\n");
+    ASSERT_TRUE(prefs.SetBool("Flag", true));
+    ASSERT_TRUE(prefs.SetInt("All", 0xFFFFFFFF));
+    struct Case {
+        const char* name;
+        uint32_t number;
+        bool flag;
+        const char* text;
+    };
+    const Case cases[] = {
+        {"N", 42, true, "42"},
+        {"Neg", 0xFFFFFFFB, true, "-5"},
+        {"Max", 0xFFFFFFFF, true, "4294967295"},
+        {"Over", 7, false, "4294967296"},
+        {"Text", 7, false, "hello"},
+        {"Yes", 1, true, "true"},
+        {"No", 0, false, "false"},
+        {"Empty", 7, false, ""},
+        {"Flag", 1, true, "true"},
+        {"All", 0xFFFFFFFF, true, "-1"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        uint32_t number = 7;
+        bool flag = false;
+        loam::String text;
+        EXPECT_TRUE(prefs.GetInt(c.name, number));
+        EXPECT_TRUE(prefs.GetBool(c.name, flag));
+        EXPECT_TRUE(prefs.GetString(c.name, text));
+        EXPECT_EQ(number, c.number);
+        EXPECT_EQ(flag, c.flag);
+        EXPECT_STREQ(text.GetCString(), c.text);
+    }
+}
+
+TEST_F(PreferencesTest, MissingOrDamagedStoreLeavesDefaults) {
+    std::string garbage(4096, '\0');
+    for (size_t i = 0; i < garbage.size(); ++i)
+        garbage[i] = static_cast<char>((i * 7919 + 13) % 251);
+    struct Case {
+        const char* what;
+        std::function<void()> make;
+        bool writable;
+    };
+    const Case cases[] = {
+        {"no file", [] {}, true},
+        {"other group", [&] { WriteStore("[Other]\nCount=1\n"); }, true},
+        {"other key", [&] { WriteStore("[Options]\nOther=1\n"); }, true},
+        {"garbage", [&] { WriteStore(garbage); }, true},
+        {"bad line", [&] { WriteStore("[Options]\nCount=1\nnot a pair\n"); }, true},
+        {"truncated group", [&] { WriteStore("[Options]\nCount=1\n[Opti"); }, true},
+        {"no group", [&] { WriteStore("Count=1\n[Options]\n"); }, true},
+        {"a folder", [&] { fs::create_directories(StorePath()); }, false},
+        {"a fifo",
+         [&] {
+             fs::create_directories(folder + "/Wendlemark");
+             ::mkfifo(StorePath().c_str(), 0600);
+         },
+         true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        fs::remove_all(folder + "/Wendlemark");
+        c.make();
+        uint32_t number = 7;
+        bool flag = true;
+        loam::String text("default");
+        loam::FileSpec path("/default");
+        EXPECT_FALSE(prefs.GetInt("Options.Count", number));
+        EXPECT_FALSE(prefs.GetBool("Options.Count", flag));
+        EXPECT_FALSE(prefs.GetString("Options.Count", text));
+        EXPECT_FALSE(prefs.GetFileSpec("Options.Count", path));
+        EXPECT_EQ(number, 7u);
+        EXPECT_TRUE(flag);
+        EXPECT_STREQ(text.GetCString(), "default");
+        EXPECT_STREQ(path.GetPath().GetCString(), "/default");
+        if (!c.writable)
+            continue;
+        EXPECT_TRUE(prefs.SetInt("Options.Count", 9));
+        EXPECT_TRUE(prefs.GetInt("Options.Count", number));
+        EXPECT_EQ(number, 9u);
+    }
+}
+
+TEST_F(PreferencesTest, WithoutLocationNothingIsReadOrWritten) {
+    const std::pair<const char*, const char*> locations[] = {{"", ""}, {"Wendlemark", ""}};
+    for (const auto& [company, product] : locations) {
+        loam::SetPreferenceLocation(company, product);
+        uint32_t number = 7;
+        loam::String text;
+        EXPECT_FALSE(prefs.SetInt("Options.Count", 1));
+        EXPECT_FALSE(prefs.SetString("Name", "x"));
+        EXPECT_FALSE(prefs.GetInt("Options.Count", number));
+        EXPECT_FALSE(prefs.GetString("Name", text));
+        EXPECT_EQ(number, 7u);
+        EXPECT_TRUE(fs::is_empty(folder));
+    }
+    loam::SetPreferenceLocation("", "Sorvanta");
+    EXPECT_TRUE(prefs.SetInt("Count", 1));
+    EXPECT_TRUE(fs::exists(folder + "/Sorvanta.conf"));
+    EXPECT_FALSE(prefs.GetImp()->RemoveAll());
+    EXPECT_TRUE(fs::exists(folder + "/Sorvanta.conf"));
+}
+
+TEST_F(PreferencesTest, StoreFilesArePrivate) {
+    WriteStore("[General]\nOld=1\n");
+    ::chmod(StorePath().c_str(), 0644);
+    ::chmod((folder + "/Wendlemark").c_str(), 0755);
+    EXPECT_TRUE(prefs.SetInt("New", 2));
+    EXPECT_EQ(ModeOf(StorePath()), 0600);
+    EXPECT_EQ(ModeOf(StorePath() + ".lock"), 0600);
+    fs::remove_all(folder + "/Wendlemark");
+    EXPECT_TRUE(prefs.SetInt("New", 2));
+    EXPECT_EQ(ModeOf(folder + "/Wendlemark"), 0700);
+    EXPECT_EQ(ModeOf(StorePath()), 0600);
+}
+
+TEST_F(PreferencesTest, TextAndPathsRoundTrip) {
+    const std::string cases[] = {
+        "line one\nline two",
+        "a=b",
+        "[Options]",
+        "  padded  ",
+        "\ttab\r\n",
+        "back\\slash \\n",
+        "caf\xC3\xA9",
+        "\xE9t\xE9\\ \n  latin",
+        "#not a comment",
+        "",
+        std::string(10000, 'x'),
+    };
+    ASSERT_TRUE(prefs.SetInt("Text.Sentinel", 1));
+    for (const std::string& value : cases) {
+        SCOPED_TRACE(value);
+        ASSERT_TRUE(prefs.SetString("Text.Value", value.c_str()));
+        loam::Preferences reader("", nullptr);
+        loam::String text;
+        uint32_t sentinel = 0;
+        EXPECT_TRUE(reader.GetString("Text.Value", text));
+        EXPECT_EQ(std::string(text.GetCString()), value);
+        EXPECT_TRUE(reader.GetInt("Text.Sentinel", sentinel));
+        EXPECT_EQ(sentinel, 1u);
+    }
+    const loam::FileSpec index("/home/ann/My Index/");
+    loam::FileSpec read;
+    EXPECT_TRUE(prefs.SetFileSpec("IndexLocation", index));
+    EXPECT_TRUE(prefs.GetFileSpec("IndexLocation", read));
+    EXPECT_STREQ(read.GetPath().GetCString(), index.GetPath().GetCString());
+}
+
+// Runs `work` in a child process and gives its exit code.
+pid_t Spawn(const std::function<bool()>& work) {
+    const pid_t child = ::fork();
+    if (child == 0)
+        ::_exit(work() ? 0 : 1);
+    return child;
+}
+
+int WaitFor(pid_t child) {
+    int status = 0;
+    return ::waitpid(child, &status, 0) == child && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST_F(PreferencesTest, AnotherProcessSeesEveryWrite) {
+    loam::String text;
+    ASSERT_TRUE(prefs.SetString("UI.Last", "parent"));
+    ASSERT_TRUE(prefs.GetString("UI.Last", text));
+    EXPECT_EQ(WaitFor(Spawn([this] { return prefs.SetString("UI.Last", "child"); })), 0);
+    EXPECT_TRUE(prefs.GetString("UI.Last", text));
+    EXPECT_STREQ(text.GetCString(), "child");
+
+    constexpr int writers = 2;
+    constexpr int writes = 100;
+    const auto key = [](int writer, int i) {
+        return "Race.W" + std::to_string(writer) + "_" + std::to_string(i);
+    };
+    pid_t children[writers];
+    for (int writer = 0; writer < writers; ++writer) {
+        children[writer] = Spawn([&key, writer] {
+            loam::Preferences own("", nullptr);
+            bool ok = true;
+            for (int i = 0; i < writes; ++i)
+                ok = own.SetInt(key(writer, i).c_str(), i) && ok;
+            return ok;
+        });
+    }
+    for (pid_t child : children)
+        EXPECT_EQ(WaitFor(child), 0);
+    int found = 0;
+    for (int writer = 0; writer < writers; ++writer) {
+        for (int i = 0; i < writes; ++i) {
+            uint32_t number = 0xFFFF;
+            found += prefs.GetInt(key(writer, i).c_str(), number) && number == uint32_t(i);
+        }
+    }
+    EXPECT_EQ(found, writers * writes);
+}
+
+struct NamedNode : loam::TreeNode {
+    explicit NamedNode(char name) : name(name) {}
+    char name;
+};
+
+// The tree as "r(a b(c))", checking that every back link agrees with the forward ones.
+std::string Render(const loam::TreeNode* node) {
+    std::string text(1, static_cast<const NamedNode*>(node)->name);
+    if (!node->GetFirstChild())
+        return text;
+    text += "(";
+    const loam::TreeNode* previous = nullptr;
+    for (const loam::TreeNode* child = node->GetFirstChild(); child; child = child->GetNext()) {
+        if (child->GetParent() != node || child->GetPrevious() != previous)
+            return "broken links at " + text;
+        text += (previous ? " " : "") + Render(child);
+        previous = child;
+    }
+    return text + ")";
+}
+
+TEST(TreeNodeTest, EditsKeepTheTreeConsistent) {
+    auto* r = new NamedNode('r');
+    NamedNode* n[8];
+    for (int i = 0; i < 8; ++i)
+        n[i] = new NamedNode(static_cast<char>('a' + i));
+    auto [a, b, c, d, e, f, g, h] = n;
+    struct Step {
+        std::function<void()> edit;
+        const char* tree;
+    };
+    const Step steps[] = {
+        {[&] { a->AddToParent(r); }, "r(a)"},
+        {[&] { b->AddToParent(r); }, "r(a b)"},
+        {[&] { c->InsertBefore(a); }, "r(c a b)"},
+        {[&] { d->InsertAfter(a); }, "r(c a d b)"},
+        {[&] { e->InsertFirstChild(b); }, "r(c a d b(e))"},
+        {[&] { f->InsertAtEnd(c); }, "r(c a d b(e) f)"},
+        {[&] { g->Insert(e, loam::TreeNode::InsertBeforeSibling); }, "r(c a d b(g e) f)"},
+        {[&] { h->Insert(e, 0); }, "r(c a d b(g e) f)"},
+        {[&] { h->Insert(e, 5); }, "r(c a d b(g e) f)"},
+        {[&] { a->Unlink(); }, "r(c d b(g e) f)"},
+        {[&] { b->MoveLinksTo(h); }, "r(c d h(g e) f)"},
+        {[&] { h->DeleteTree(); }, "r(c d f)"},
+        {[&] { c->Unlink(); }, "r(d f)"},
+    };
+    for (const Step& step : steps) {
+        step.edit();
+        EXPECT_EQ(Render(r), step.tree);
+    }
+    for (NamedNode* loose : {a, b}) {
+        EXPECT_TRUE(!loose->GetParent() && !loose->GetNext() && !loose->GetPrevious() &&
+                    !loose->GetFirstChild());
+        delete loose;
+    }
+    delete c;
+    r->DeleteTree();
+}
+
+} // namespace
