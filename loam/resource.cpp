@@ -51,13 +51,13 @@ String ResourceId::GetString() const {
     return text;
 }
 
-bool FormatResource(const ResourceId& resource, String& out, ...) {
+bool FormatResourceFrom(String* out, uint32_t kind, int id, ...) {
     String format;
-    if (!LoadResourceString(resource, format))
+    if (!LoadResourceString(ResourceId{kind, static_cast<uint16_t>(id)}, format))
         return false;
     va_list args;
-    va_start(args, out);
-    out.FormatArgs(format.GetCString(), args);
+    va_start(args, id);
+    out->FormatArgs(format.GetCString(), args);
     va_end(args);
     return true;
 }

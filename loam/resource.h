@@ -38,6 +38,14 @@ void RegisterStringTable(const StringTableEntry* entries, int count);
 constexpr int MaxResourceStringLength = 510;
 
 bool LoadResourceString(const ResourceId& resource, String& out);
-bool FormatResource(const ResourceId& resource, String& out, ...);
+
+// The variadic form behind FormatResource: C variadics cannot start after a reference.
+bool FormatResourceFrom(String* out, uint32_t kind, int id, ...);
+
+// Loads a text of the string table and uses it as the format for the arguments.
+template <typename... Args>
+bool FormatResource(const ResourceId& resource, String& out, Args... args) {
+    return FormatResourceFrom(&out, resource.kind, resource.id, args...);
+}
 
 } // namespace loam

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "index/index_format.h"
+#include "loam/date_time.h"
+#include "loam/file.h"
+#include "loam/file_spec.h"
+#include "loam/string.h"
+
+#include <cstdint>
+#include <map>
+
+// What a walk hands its entries to, so that the walk does not know the file's format.
+// Paths are full paths; a folder is added before anything below it.
+class FileIndexWriter {
+public:
+    virtual ~FileIndexWriter() = default;
+    virtual void AddFile(const loam::FileSpec& path, uint32_t size, loam::DateTime modified) = 0;
+    virtual void AddFolder(const loam::FileSpec& path, loam::DateTime modified) = 0;
+    virtual void Finish() = 0;
+    // A folder where a walk starts. Its parent may well be outside the index, which is no
+    // fault: it is then stored as a root.
+    virtual void AddRoot(const loam::FileSpec& path, loam::DateTime modified) {
+        AddFolder(path, modified);
+    }
+};
+
+// How the writer tells the user of a fault in the order of the walk; the application points
+// it at its alert box. The default prints to standard error.
+using WriterAlertHandler = void (*)(const char* title, const char* text);
+// Null restores the default. Gives the handler that was set before.
+WriterAlertHandler SetWriterAlertHandler(WriterAlertHandler handler);
+
+// Writes the binary index file. The header goes out at once, saying "unfinished, no records",
+// and is rewritten by Finish; a writer destroyed without Finish leaves a file that loads empty.
+class BinaryFileIndexWriter : public FileIndexWriter {
+public:
+    // The file is open for writing at its start; it is closed here but not deleted.
+    explicit BinaryFileIndexWriter(loam::File* file);
+    BinaryFileIndexWriter(const BinaryFileIndexWriter&) = delete;
+    BinaryFileIndexWriter& operator=(const BinaryFileIndexWriter&) = delete;
+    ~BinaryFileIndexWriter() override;
+
+    void AddFile(const loam::FileSpec& path, uint32_t size, loam::DateTime modified) override;
+    void AddFolder(const loam::FileSpec& path, loam::DateTime modified) override;
+    void AddRoot(const loam::FileSpec& path, loam::DateTime modified) override;
+    void Finish() override;
+
+    int32_t GetRecordCount() const { return header.recordCount; }
+    // How many times the folder map was searched, which the last-parent cache keeps rare.
+    uint32_t GetFolderLookups() const { return folderLookups; }
+
+private:
+    struct Placement {
+        uint32_t parent;
+        const char* name;
+        int32_t nameLength;
+    };
+
+    void AddEntry(IndexRecordKind kind, const loam::FileSpec& path, uint32_t size,
+                  loam::DateTime modified, bool isRoot);
+    bool Place(const loam::FileSpec& path, bool isRoot, Placement& placement);
+    bool FindFolder(const loam::String& key, int32_t& ordinal);
+    void WriteRecord(const IndexRecord& fixed, const char* name, int32_t nameLength);
+    void RememberFolder(const loam::FileSpec& path, int32_t ordinal);
+    void WriteHeader();
+
+    IndexFileHeader header{IndexFormatVersion, 1, 0};
+    loam::File* file;
+    std::map<loam::String, int32_t> folders;
+    loam::String cachedParent;
+    int32_t cachedOrdinal = -1;
+    uint32_t folderLookups = 0;
+};

@@ -1,0 +1,221 @@
+#include "index/index_data.h"
+
+#include "loam/disk_file.h"
+#include "loam/error.h"
+
+#include <new>
+#include <vector>
+
+namespace {
+
+const char* const notFoundText = "The index file was not found.";
+const char* const emptyText = "The index file does not contain any data.";
+const char* const cannotOpenText = "The index file could not be opened to load the data.";
+const char* const cannotLoadText = "The index file data could not be loaded.";
+const char* const newerVersionText =
+    "Index file was built by a newer version of Sorvanta (and cannot be used)";
+const char* const internalFaultText =
+    "Sorvanta has encountered an internal fault - please report this problem.";
+const char* const notUnderstoodText =
+    "Warning: Index file is not understood by this version of Sorvanta.";
+
+// Positions and sizes of files are 32-bit signed in the base library, so a larger index cannot
+// be read whole, and is refused rather than loaded in part.
+constexpr uint32_t MaxImageSize = 0x7FFFFFFF;
+// The fixed part and a name block that holds at least its NUL.
+constexpr uint32_t MinRecordSize = sizeof(IndexRecord) + 1;
+
+bool Fail(uint32_t code, const char* text) {
+    return loam::GetErrorState().RaiseError(code, loam::SeverityError, text);
+}
+
+// The file may have grown, or have a size that 32 bits do not hold: then there is more to read.
+bool HasMoreBytes(loam::File& file) {
+    loam::GetErrorState().SaveState();
+    char byte;
+    uint32_t count = 0;
+    file.Read(&byte, 1, &count);
+    loam::GetErrorState().RestoreState();
+    return count != 0;
+}
+
+// Padding is NUL, so a name block that holds its NUL always ends in one. A parent is a record
+// that came before.
+bool IsWellFormed(const IndexRecord& record, uint32_t ordinal) {
+    return record.nameLength > 0 && record.GetName()[record.nameLength - 1] == '\0' &&
+           (record.parent == IndexNoParent || record.parent < ordinal);
+}
+
+template <typename T> std::unique_ptr<T[]> AllocateArray(uint32_t count) {
+    return std::unique_ptr<T[]>(new (std::nothrow) T[count]);
+}
+
+} // namespace
+
+bool IndexData::Load(loam::FileSpec indexFile) {
+    Release();
+    if (indexFile.GetKind() != loam::FileKindFile)
+        return Fail(loam::ErrorGeneral, notFoundText);
+    const uint32_t size = indexFile.GetFileSize();
+    if (size == 0)
+        return Fail(loam::ErrorGeneral, emptyText);
+    if (size > MaxImageSize)
+        return Fail(loam::ErrorGeneral, cannotLoadText);
+    auto image = AllocateArray<char>(size);
+    if (!image)
+        return Fail(loam::ErrorGeneral, cannotLoadText);
+    loam::DiskFile file;
+    if (!file.OpenFile(indexFile, loam::FileModeRead))
+        return Fail(loam::ErrorGeneral, cannotOpenText);
+    if (!file.Read(image.get(), size, nullptr) || HasMoreBytes(file))
+        return Fail(loam::ErrorGeneral, cannotLoadText);
+    file.Close();
+    return LoadImage(std::move(image), size);
+}
+
+bool IndexData::LoadImage(std::unique_ptr<char[]> image, uint32_t imageSize) {
+    Release();
+    buffer = std::move(image);
+    bufferSize = imageSize;
+    bool loaded = false;
+    if (!buffer || imageSize < sizeof(IndexFileHeader) || imageSize > MaxImageSize) {
+        Fail(loam::ErrorGeneral, notUnderstoodText);
+    } else {
+        header = reinterpret_cast<const IndexFileHeader*>(buffer.get());
+        if (header->version > IndexFormatVersion)
+            Fail(loam::ErrorGeneral, newerVersionText);
+        else
+            loaded = BuildTables(buffer.get() + sizeof(IndexFileHeader),
+                                 imageSize - sizeof(IndexFileHeader));
+    }
+    // A failed index keeps nothing, so that no half-built table can ever be searched.
+    if (!loaded)
+        Release();
+    return loaded;
+}
+
+void IndexData::Release() {
+    buffer.reset();
+    header = nullptr;
+    bufferSize = 0;
+    records.reset();
+    fileCount = 0;
+    folderCount = 0;
+    totalSize = 0;
+    results.reset();
+    resultCount = 0;
+}
+
+// One pass over the records. Every record is checked to lie wholly inside the buffer, to hold
+// the NUL of its name, and to name an earlier record as its parent, so that nothing read later
+// leaves the buffer and every walk up the parents ends.
+bool IndexData::BuildTables(const char* firstRecord, uint32_t bytes) {
+    fileCount = 0;
+    folderCount = 0;
+    totalSize = 0;
+    if (!buffer)
+        return Fail(loam::ErrorWrongState, internalFaultText);
+    const int32_t count = header->recordCount;
+    if (count < 0 || static_cast<uint32_t>(count) > bytes / MinRecordSize)
+        return Fail(loam::ErrorGeneral, notUnderstoodText);
+    records = AllocateArray<const IndexRecord*>(count);
+    results = AllocateArray<const IndexRecord*>(count);
+    if (!records || !results)
+        return Fail(loam::ErrorGeneral, notUnderstoodText);
+    const char* cursor = firstRecord;
+    uint32_t remaining = bytes;
+    for (int32_t ordinal = 0; ordinal < count; ++ordinal) {
+        if (remaining < sizeof(IndexRecord))
+            return Fail(loam::ErrorGeneral, notUnderstoodText);
+        const auto* record = reinterpret_cast<const IndexRecord*>(cursor);
+        const uint32_t length = sizeof(IndexRecord) + record->nameLength;
+        if (length > remaining || !IsWellFormed(*record, static_cast<uint32_t>(ordinal)))
+            return Fail(loam::ErrorGeneral, notUnderstoodText);
+        records[ordinal] = record;
+        if (record->kind == IndexKindFile) {
+            ++fileCount;
+            totalSize += record->size;
+        } else if (record->kind == IndexKindFolder) {
+            ++folderCount;
+        }
+        cursor += length;
+        remaining -= length;
+    }
+    resultCount = 0;
+    return true;
+}
+
+bool IndexData::IsResultFolder(int32_t index) const {
+    return IsResult(index) && results[index]->IsFolder();
+}
+
+uint32_t IndexData::GetResultSize(int32_t index) const {
+    return IsResult(index) ? results[index]->size : 0;
+}
+
+loam::DateTime IndexData::GetResultDate(int32_t index) const {
+    return IsResult(index) ? loam::DateTime(results[index]->modified) : loam::DateTime();
+}
+
+loam::String IndexData::GetResultName(int32_t index) const {
+    return loam::String(results[index]->GetName());
+}
+
+loam::String IndexData::GetResultFolder(int32_t index) const {
+    loam::FileSpec folder;
+    GetFolderOf(results[index], folder);
+    return folder.GetPath();
+}
+
+loam::String IndexData::GetResultPath(int32_t index) const {
+    return GetPathOf(results[index]);
+}
+
+uint64_t IndexData::GetResultsTotalSize() const {
+    uint64_t total = 0;
+    for (int32_t i = 0; i < resultCount; ++i)
+        total += results[i]->size;
+    return total;
+}
+
+// Parents always come before their entries in the file, so the walk up is short and ends.
+void IndexData::GetFolderOf(const IndexRecord* record, loam::FileSpec& folder) const {
+    std::vector<const IndexRecord*> chain;
+    for (uint32_t parent = record->parent; parent != IndexNoParent;
+         parent = records[parent]->parent)
+        chain.push_back(records[parent]);
+    folder.Clear();
+    if (chain.empty())
+        return;
+    // A root's name is a whole path and is taken as it stands, leading separator and all.
+    folder = loam::FileSpec(chain.back()->GetName());
+    for (auto level = chain.rbegin() + 1; level != chain.rend(); ++level)
+        folder.AppendPath((*level)->GetName());
+}
+
+loam::String IndexData::GetPathOf(const IndexRecord* record) const {
+    loam::FileSpec path;
+    GetFolderOf(record, path);
+    path.Append(record->GetName());
+    return path.GetPath();
+}
+
+void IndexData::DumpToText(const loam::FileSpec& textFile) const {
+    loam::DiskFile file;
+    if (!file.OpenFile(textFile, loam::FileModeWrite)) {
+        loam::ClearErrors();
+        return;
+    }
+    for (int32_t ordinal = 0; ordinal < GetRecordCount(); ++ordinal) {
+        const IndexRecord* record = records[ordinal];
+        loam::String line = GetPathOf(record);
+        if (record->IsFolder() && !line.IsEmpty() &&
+            line.GetCString()[line.GetLength() - 1] != loam::NativeSeparator)
+            line.Append(loam::NativeSeparator);
+        if (!file.WriteLine(line)) {
+            loam::ClearErrors();
+            return;
+        }
+    }
+    file.Close();
+}

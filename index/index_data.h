@@ -1,0 +1,75 @@
+#pragma once
+
+#include "index/index_format.h"
+#include "loam/date_time.h"
+#include "loam/file_spec.h"
+#include "loam/string.h"
+
+#include <cstdint>
+#include <memory>
+
+namespace quilt {
+class Window;
+}
+
+// A loaded index file: the file's bytes in one buffer, a table of pointers to its records, and
+// the result table of the last search. Paths are rebuilt on demand from the parent ordinals.
+class IndexData {
+public:
+    IndexData() = default;
+    IndexData(const IndexData&) = delete;
+    IndexData& operator=(const IndexData&) = delete;
+    ~IndexData() { Release(); }
+
+    bool Load(loam::FileSpec indexFile);
+    // Takes the whole image of an index file, checks it and builds the tables; Load ends here.
+    bool LoadImage(std::unique_ptr<char[]> image, uint32_t imageSize);
+    void Release();
+    bool IsLoaded() const { return buffer != nullptr; }
+
+    // Runs a search under a progress dialog and leaves its matches in the result table.
+    bool Search(const loam::String& pattern, bool isRegExp, bool autoWildcards,
+                quilt::Window* parent);
+
+    // The record table, in file order. Every ordinal below GetRecordCount is valid.
+    int32_t GetRecordCount() const { return header ? header->recordCount : 0; }
+    const IndexRecord* const* GetRecords() const { return records.get(); }
+    const IndexRecord* GetRecord(int32_t ordinal) const { return records[ordinal]; }
+    const IndexFileHeader* GetHeader() const { return header; }
+
+    uint32_t GetFileCount() const { return fileCount; }
+    uint32_t GetFolderCount() const { return folderCount; }
+    uint64_t GetTotalSize() const { return totalSize; }
+
+    void ClearResults() { resultCount = 0; }
+    void AddResult(const IndexRecord* record) { results[resultCount++] = record; }
+    int32_t GetResultCount() const { return resultCount; }
+    const IndexRecord* GetResult(int32_t index) const { return results[index]; }
+    bool IsResultFolder(int32_t index) const;
+    uint32_t GetResultSize(int32_t index) const;
+    loam::DateTime GetResultDate(int32_t index) const;
+    loam::String GetResultName(int32_t index) const;
+    loam::String GetResultFolder(int32_t index) const;
+    loam::String GetResultPath(int32_t index) const;
+    uint64_t GetResultsTotalSize() const;
+
+    void GetFolderOf(const IndexRecord* record, loam::FileSpec& folder) const;
+    loam::String GetPathOf(const IndexRecord* record) const;
+
+    // One line per record, full paths with a separator after each folder.
+    void DumpToText(const loam::FileSpec& textFile) const;
+
+private:
+    bool BuildTables(const char* firstRecord, uint32_t bytes);
+    bool IsResult(int32_t index) const { return index >= 0 && index < resultCount; }
+
+    std::unique_ptr<char[]> buffer;
+    const IndexFileHeader* header = nullptr;
+    uint32_t bufferSize = 0;
+    std::unique_ptr<const IndexRecord*[]> records;
+    uint32_t fileCount = 0;
+    uint32_t folderCount = 0;
+    uint64_t totalSize = 0;
+    std::unique_ptr<const IndexRecord*[]> results;
+    int32_t resultCount = 0;
+};
