@@ -8,9 +8,13 @@ void JobController::SetProgress(int32_t) {}
 
 void JobController::Refresh() {}
 
-bool JobController::IsCancelled() { return false; }
+bool JobController::IsCancelled() {
+    return false;
+}
 
-Window* JobController::GetWindow() { return nullptr; }
+Window* JobController::GetWindow() {
+    return nullptr;
+}
 
 void JobWorker::JobClosed(JobController*) {}
 
