@@ -1,0 +1,36 @@
+#pragma once
+
+#include <memory>
+
+namespace quilt {
+
+class ApplicationImp;
+class WindowImp;
+
+enum class Backend {
+    Offscreen, // no display: windows live in memory, for headless runs and tests
+    Gtk,       // the desktop
+};
+
+// `requested` is the value of QUILT_PLATFORM, null when unset; `desktopAvailable` says whether
+// the desktop backend is built and can open a display.
+Backend ChooseBackend(const char* requested, bool desktopAvailable);
+
+// The one place that names a platform's Imp classes. Each operation gives up the new object to
+// the caller.
+class ImpFactory {
+public:
+    // Chosen on first use, for the life of the process.
+    Backend GetBackend();
+
+    std::unique_ptr<ApplicationImp> CreateApplicationImp();
+    std::unique_ptr<WindowImp> CreateWindowImp();
+
+private:
+    bool chosen = false;
+    Backend backend = Backend::Offscreen;
+};
+
+ImpFactory& GetImpFactory();
+
+} // namespace quilt

@@ -1,0 +1,334 @@
+#include "quilt/offscreen/offscreen_desktop.h"
+
+#include "quilt/application.h"
+#include "quilt/clock.h"
+#include "quilt/offscreen/offscreen_window_imp.h"
+
+#include <algorithm>
+
+namespace quilt {
+
+namespace {
+
+// What counts as user input for the main loop's quiet period: pointer motion does not.
+constexpr OffscreenMessageKind userInputKinds[] = {
+    OffscreenMessageKind::KeyDown,    OffscreenMessageKind::KeyUp,
+    OffscreenMessageKind::Char,       OffscreenMessageKind::MouseDown,
+    OffscreenMessageKind::MouseUp,    OffscreenMessageKind::MouseDoubleClick,
+    OffscreenMessageKind::MouseWheel,
+};
+
+bool IsUserInput(OffscreenMessageKind kind) {
+    return std::find(std::begin(userInputKinds), std::end(userInputKinds), kind) !=
+           std::end(userInputKinds);
+}
+
+// How far `tick` lies ahead of `now`; 0 when it has been reached.
+uint32_t GetDelay(uint32_t tick, uint32_t now) {
+    return IsTickReached(now, tick) ? 0 : tick - now;
+}
+
+std::vector<std::unique_ptr<OffscreenWindow>>::iterator
+FindIn(std::vector<std::unique_ptr<OffscreenWindow>>& list, const OffscreenWindow* window) {
+    return std::find_if(list.begin(), list.end(),
+                        [window](const auto& entry) { return entry.get() == window; });
+}
+
+} // namespace
+
+void OffscreenWindow::DefaultHandling(const OffscreenMessage& message) {
+    if (message.kind == OffscreenMessageKind::Close) {
+        GetOffscreenDesktop().DestroyWindow(this);
+    }
+}
+
+bool OffscreenWindow::IsShowing() const {
+    for (const OffscreenWindow* window = this; window != nullptr; window = window->parent) {
+        if (!window->visible) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool OffscreenWindow::IsEnabledAndVisible() const {
+    for (const OffscreenWindow* window = this; window != nullptr; window = window->parent) {
+        if (!window->enabled || !window->visible) {
+            return false;
+        }
+    }
+    return true;
+}
+
+OffscreenWindow* OffscreenDesktop::AddWindow(std::unique_ptr<OffscreenWindow> window) {
+    OffscreenWindow* added = window.get();
+    added->handle = nextHandle++;
+    windows[added->handle] = added;
+    auto& list = added->parent != nullptr ? added->parent->children : topWindows;
+    list.push_back(std::move(window));
+    return added;
+}
+
+void OffscreenDesktop::DestroyWindow(OffscreenWindow* window) {
+    if (window == nullptr || window->destroying) {
+        return;
+    }
+    window->destroying = true;
+    // Owned here from now on, so that nothing a handler destroys can free it under this call.
+    auto& list = window->parent != nullptr ? window->parent->children : topWindows;
+    auto position = FindIn(list, window);
+    if (position == list.end()) {
+        return;
+    }
+    std::unique_ptr<OffscreenWindow> owned = std::move(*position);
+    list.erase(position);
+    window->parent = nullptr;
+    if (Offscreen_WindowImp* imp = window->imp) {
+        window->imp = nullptr;
+        imp->OnNativeWindowGone();
+    }
+    while (!window->children.empty()) {
+        DestroyWindow(window->children.back().get());
+    }
+    Forget(window);
+}
+
+void OffscreenDesktop::Forget(OffscreenWindow* window) {
+    OffscreenHandle handle = window->handle;
+    windows.erase(handle);
+    if (focus == handle) {
+        focus = 0;
+    }
+    if (capture == handle) {
+        capture = 0;
+    }
+    std::erase_if(events, [handle](const PostedEvent& event) { return event.target == handle; });
+    std::erase_if(timers, [handle](const NativeTimer& timer) { return timer.window == handle; });
+}
+
+OffscreenWindow* OffscreenDesktop::Find(OffscreenHandle handle) const {
+    auto found = windows.find(handle);
+    return found != windows.end() ? found->second : nullptr;
+}
+
+void OffscreenDesktop::BringToTop(OffscreenWindow* window) {
+    auto& list = window->parent != nullptr ? window->parent->children : topWindows;
+    auto position = FindIn(list, window);
+    if (position == list.end()) {
+        return;
+    }
+    std::rotate(position, position + 1, list.end());
+}
+
+Point OffscreenDesktop::GetScreenOrigin(const OffscreenWindow* window) const {
+    Point origin;
+    for (; window != nullptr; window = window->parent) {
+        origin.x += window->rect.left;
+        origin.y += window->rect.top;
+    }
+    return origin;
+}
+
+void OffscreenDesktop::SetFocus(OffscreenWindow* window) {
+    OffscreenWindow* previous = GetFocus();
+    if (previous == window) {
+        return;
+    }
+    OffscreenHandle handle = window != nullptr ? window->handle : 0;
+    focus = handle;
+    if (previous != nullptr) {
+        Send(previous, OffscreenMessage{OffscreenMessageKind::KillFocus});
+    }
+    if (OffscreenWindow* gaining = Find(handle)) {
+        NoteUserInput(0);
+        Send(gaining, OffscreenMessage{OffscreenMessageKind::SetFocus});
+    }
+}
+
+void OffscreenDesktop::SetCapture(OffscreenWindow* window) {
+    capture = window != nullptr ? window->handle : 0;
+}
+
+void OffscreenDesktop::MoveWindow(OffscreenWindow* window, Rect rect) {
+    OffscreenHandle handle = window->handle;
+    Size size{rect.GetWidth(), rect.GetHeight()};
+    if (window->imp != nullptr && window->imp->ConstrainSize(size)) {
+        rect.right = rect.left + size.width;
+        rect.bottom = rect.top + size.height;
+    }
+    window = Find(handle);
+    if (window == nullptr) {
+        return;
+    }
+    Rect previous = window->rect;
+    window->rect = rect;
+    window->needsPaint = true;
+    if (previous.left != rect.left || previous.top != rect.top) {
+        OffscreenMessage moved{OffscreenMessageKind::Move};
+        moved.point = Point{rect.left, rect.top};
+        Send(window, moved);
+    }
+    window = Find(handle);
+    if (window == nullptr) {
+        return;
+    }
+    if (previous.GetWidth() != rect.GetWidth() || previous.GetHeight() != rect.GetHeight()) {
+        OffscreenMessage sized{OffscreenMessageKind::Size};
+        sized.size = Size{rect.GetWidth(), rect.GetHeight()};
+        Send(window, sized);
+    }
+}
+
+void OffscreenDesktop::Send(OffscreenWindow* window, const OffscreenMessage& message) {
+    OffscreenHandle handle = window->handle;
+    if (window->imp != nullptr && window->imp->WindowProc(message)) {
+        return;
+    }
+    if (OffscreenWindow* stillThere = Find(handle)) {
+        stillThere->DefaultHandling(message);
+    }
+}
+
+void OffscreenDesktop::Post(OffscreenWindow* window, const OffscreenMessage& message) {
+    events.push_back(PostedEvent{window->handle, message});
+}
+
+bool OffscreenDesktop::SetTimer(OffscreenWindow* window, uint32_t id, uint32_t interval) {
+    interval = std::max(interval, MinimumTimerInterval);
+    KillTimer(window, id);
+    timers.push_back(NativeTimer{window->handle, id, interval, GetTickCount() + interval, 0});
+    return true;
+}
+
+void OffscreenDesktop::KillTimer(OffscreenWindow* window, uint32_t id) {
+    OffscreenHandle handle = window->handle;
+    std::erase_if(timers, [handle, id](const NativeTimer& timer) {
+        return timer.window == handle && timer.id == id;
+    });
+}
+
+void OffscreenDesktop::PumpMessages() {
+    uint64_t pump = ++pumpCount;
+    while (ServeOneEvent() || FireOneTimer(pump)) {
+    }
+    PaintWindows();
+}
+
+bool OffscreenDesktop::ServeOneEvent() {
+    uint32_t now = GetTickCount();
+    auto due = std::find_if(events.begin(), events.end(), [now](const PostedEvent& event) {
+        return IsTickReached(now, event.message.time);
+    });
+    if (due == events.end()) {
+        return false;
+    }
+    PostedEvent event = *due;
+    events.erase(due);
+    OffscreenWindow* window = Find(event.target);
+    // A disabled or hidden window gets no input, as under a modal dialog.
+    if (window == nullptr || !window->IsEnabledAndVisible()) {
+        return true;
+    }
+    Send(window, event.message);
+    if (IsUserInput(event.message.kind)) {
+        NoteUserInput(event.message.time);
+    }
+    return true;
+}
+
+// Each timer fires at most once per pump, however late the pump is.
+bool OffscreenDesktop::FireOneTimer(uint64_t pump) {
+    uint32_t now = GetTickCount();
+    NativeTimer* next = nullptr;
+    for (NativeTimer& timer : timers) {
+        if (timer.firedInPump == pump || !IsTickReached(now, timer.due)) {
+            continue;
+        }
+        if (next == nullptr || static_cast<int32_t>(timer.due - next->due) < 0) {
+            next = &timer;
+        }
+    }
+    if (next == nullptr) {
+        return false;
+    }
+    next->firedInPump = pump;
+    next->due = now + next->interval;
+    OffscreenMessage tick{OffscreenMessageKind::Timer};
+    tick.time = now;
+    tick.value = static_cast<int32_t>(next->id);
+    if (OffscreenWindow* window = Find(next->window)) {
+        Send(window, tick);
+    }
+    return true;
+}
+
+void OffscreenDesktop::PaintWindows() {
+    std::vector<OffscreenHandle> dirty;
+    for (const auto& [handle, window] : windows) {
+        if (window->needsPaint && window->IsShowing()) {
+            dirty.push_back(handle);
+        }
+    }
+    for (OffscreenHandle handle : dirty) {
+        OffscreenWindow* window = Find(handle);
+        if (window != nullptr && window->needsPaint) {
+            window->needsPaint = false;
+            Send(window, OffscreenMessage{OffscreenMessageKind::Paint});
+        }
+    }
+}
+
+std::optional<uint32_t> OffscreenDesktop::GetNextEventTime() const {
+    uint32_t now = GetTickCount();
+    std::optional<uint32_t> next;
+    auto consider = [&next, now](uint32_t tick) {
+        if (!next || GetDelay(tick, now) < GetDelay(*next, now)) {
+            next = tick;
+        }
+    };
+    for (const PostedEvent& event : events) {
+        consider(event.message.time);
+    }
+    for (const NativeTimer& timer : timers) {
+        consider(timer.due);
+    }
+    return next;
+}
+
+bool OffscreenDesktop::WaitMessage() {
+    std::optional<uint32_t> next = GetNextEventTime();
+    if (!next) {
+        return false;
+    }
+    uint32_t now = GetTickCount();
+    uint32_t delay = GetDelay(*next, now);
+    if (waitDeadline) {
+        uint32_t untilDeadline = GetDelay(*waitDeadline, now);
+        if (untilDeadline < delay) {
+            GetClock().Sleep(untilDeadline);
+            return false;
+        }
+    }
+    if (delay > 0) {
+        GetClock().Sleep(delay);
+    }
+    return true;
+}
+
+void OffscreenDesktop::Reset() {
+    while (!topWindows.empty()) {
+        DestroyWindow(topWindows.back().get());
+    }
+    events.clear();
+    timers.clear();
+    focus = 0;
+    capture = 0;
+    waitDeadline.reset();
+}
+
+OffscreenDesktop& GetOffscreenDesktop() {
+    static OffscreenDesktop desktop;
+    return desktop;
+}
+
+} // namespace quilt

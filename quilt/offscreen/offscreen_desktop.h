@@ -1,0 +1,168 @@
+#pragma once
+
+#include "loam/string.h"
+#include "quilt/geometry.h"
+#include "quilt/window_imp.h"
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace quilt {
+
+class Offscreen_WindowImp;
+
+// A native window is known by a handle that is never given twice, so a stale handle finds
+// nothing instead of a newer window.
+using OffscreenHandle = uint32_t;
+
+enum class OffscreenMessageKind {
+    Move,
+    Size,
+    SetFocus,
+    KillFocus,
+    Paint,
+    Close,
+    CancelMode,
+    Timer,
+    KeyDown,
+    KeyUp,
+    Char,
+    MouseDown,
+    MouseUp,
+    MouseDoubleClick,
+    MouseMove,
+    MouseWheel,
+};
+
+struct OffscreenMessage {
+    explicit OffscreenMessage(OffscreenMessageKind messageKind) : kind(messageKind) {}
+
+    OffscreenMessageKind kind;
+    uint32_t time = 0;
+    int32_t value = 0;  // key code, character, timer id or wheel delta
+    uint32_t flags = 0; // key modifiers or mouse flags
+    Point point;        // mouse position in client coordinates; position after a move
+    Size size;          // client size after a size change
+};
+
+// A native window of the offscreen desktop, its state in memory. The backend's control classes
+// derive from it.
+struct OffscreenWindow {
+    OffscreenWindow(const char* windowClass, OffscreenWindow* parentWindow)
+        : className(windowClass), parent(parentWindow) {}
+    OffscreenWindow(const OffscreenWindow&) = delete;
+    OffscreenWindow& operator=(const OffscreenWindow&) = delete;
+    virtual ~OffscreenWindow() = default;
+
+    // What the native class does with a message that no bound Imp finished.
+    virtual void DefaultHandling(const OffscreenMessage& message);
+
+    // Shown, and so are all its ancestors.
+    bool IsShowing() const;
+    bool IsEnabledAndVisible() const;
+
+    OffscreenHandle handle = 0;
+    loam::String className;
+    int32_t id = 0;
+    loam::String text;
+    Rect rect; // in the parent's client coordinates; on the screen for a top-level window
+    bool visible = false;
+    bool enabled = true;
+    bool topMost = false;
+    int32_t showState = ShowStateNormal;
+    uint32_t scrollBars = 0;
+    uint32_t disabledScrollBars = 0;
+    int32_t scrollPos[2] = {0, 0};
+    bool needsPaint = true;
+    bool destroying = false;
+    OffscreenWindow* parent;
+    std::vector<std::unique_ptr<OffscreenWindow>> children;
+    Offscreen_WindowImp* imp = nullptr; // the Imp bound to this window, if any
+};
+
+// The screen of the offscreen backend: its windows, focus, queue of input and timers, all run
+// on the toolkit's clock. Events wait in the queue until the clock reaches their time.
+class OffscreenDesktop {
+public:
+    static constexpr Rect WorkArea{0, 0, 1024, 768};
+    // A native timer is never faster than this.
+    static constexpr uint32_t MinimumTimerInterval = 10;
+
+    OffscreenDesktop() = default;
+    OffscreenDesktop(const OffscreenDesktop&) = delete;
+    OffscreenDesktop& operator=(const OffscreenDesktop&) = delete;
+
+    // Takes the window; a window without parent is top-level and goes on top of the others.
+    OffscreenWindow* AddWindow(std::unique_ptr<OffscreenWindow> window);
+    // The bound Imps hear of it first, the window's own before its children's.
+    void DestroyWindow(OffscreenWindow* window);
+    OffscreenWindow* Find(OffscreenHandle handle) const;
+    const std::vector<std::unique_ptr<OffscreenWindow>>& GetTopWindows() const {
+        return topWindows;
+    }
+    void BringToTop(OffscreenWindow* window);
+    Point GetScreenOrigin(const OffscreenWindow* window) const;
+
+    OffscreenWindow* GetFocus() const { return Find(focus); }
+    // Focus gain counts as user input.
+    void SetFocus(OffscreenWindow* window);
+    OffscreenWindow* GetCapture() const { return Find(capture); }
+    void SetCapture(OffscreenWindow* window);
+    // Offers the new size to the bound Imp, then reports the move and the size change.
+    void MoveWindow(OffscreenWindow* window, Rect rect);
+
+    // Delivers at once: to the bound Imp, then to the native class if the Imp did not finish it.
+    void Send(OffscreenWindow* window, const OffscreenMessage& message);
+    // Queues for the time in the message.
+    void Post(OffscreenWindow* window, const OffscreenMessage& message);
+
+    bool SetTimer(OffscreenWindow* window, uint32_t id, uint32_t interval);
+    void KillTimer(OffscreenWindow* window, uint32_t id);
+
+    // Serves every due event, then every due timer once, then paints.
+    void PumpMessages();
+    // Lets the clock run to the next event; false when none can come or the deadline came first.
+    bool WaitMessage();
+    bool CanReceiveEvents() const { return !events.empty() || !timers.empty(); }
+    // A wait never runs the clock past this tick.
+    void SetWaitDeadline(std::optional<uint32_t> tick) { waitDeadline = tick; }
+
+    // Destroys every window and drops every event and timer.
+    void Reset();
+
+private:
+    struct PostedEvent {
+        OffscreenHandle target;
+        OffscreenMessage message;
+    };
+    struct NativeTimer {
+        OffscreenHandle window;
+        uint32_t id;
+        uint32_t interval;
+        uint32_t due;
+        uint64_t firedInPump;
+    };
+
+    bool ServeOneEvent();
+    bool FireOneTimer(uint64_t pump);
+    void PaintWindows();
+    void Forget(OffscreenWindow* window);
+    std::optional<uint32_t> GetNextEventTime() const;
+
+    std::vector<std::unique_ptr<OffscreenWindow>> topWindows;
+    std::map<OffscreenHandle, OffscreenWindow*> windows;
+    OffscreenHandle nextHandle = 1;
+    OffscreenHandle focus = 0;
+    OffscreenHandle capture = 0;
+    std::vector<PostedEvent> events;
+    std::vector<NativeTimer> timers;
+    uint64_t pumpCount = 0;
+    std::optional<uint32_t> waitDeadline;
+};
+
+OffscreenDesktop& GetOffscreenDesktop();
+
+} // namespace quilt

@@ -1,0 +1,70 @@
+#include "quilt/window_imp.h"
+
+#include "quilt/application.h"
+#include "quilt/timer.h"
+#include "quilt/window.h"
+
+namespace quilt {
+
+bool WindowImp::CreateFromResource(Window& window, Window* parent, int32_t kind,
+                                   const loam::ResourceId* title) {
+    if (title == nullptr) {
+        return Create(window, parent, kind, nullptr);
+    }
+    loam::String text;
+    loam::LoadResourceString(*title, text);
+    return Create(window, parent, kind, &text);
+}
+
+NotificationAnswer WindowImp::TranslateNotification(const NativeNotification& notification,
+                                                    NotificationTranslation& out) {
+    if (notification.code != 0) {
+        return AnswerDefault;
+    }
+    out.kind = MsgClicked;
+    out.parameter = notification.id;
+    return AnswerDispatch;
+}
+
+intptr_t WindowImp::OnNativeNotification(int32_t code, int32_t id, intptr_t data, uintptr_t word) {
+    NotificationTranslation translation;
+    NotificationAnswer answer =
+        TranslateNotification(NativeNotification{code, id, data, word}, translation);
+    if (answer == AnswerDispatch) {
+        MessageTarget* target = commandTarget != nullptr ? commandTarget : owner;
+        const int32_t* parameter = translation.parameter ? &*translation.parameter : nullptr;
+        return target->Dispatch(translation.kind, 0, id, parameter) ? 0 : NotHandled;
+    }
+    if (answer == AnswerHandled) {
+        return 0;
+    }
+    if (answer == AnswerResult) {
+        return translation.result;
+    }
+    return NotHandled;
+}
+
+int32_t WindowImp::GetDialogCode(KeyEventKind kind, int32_t value, int32_t previousCode) {
+    bool wants = kind == KeyEventChar ? owner->OnWantChar(static_cast<uint16_t>(value))
+                                      : owner->OnWantKey(value);
+    return wants ? previousCode | DialogCodeWantAllKeys : previousCode;
+}
+
+bool WindowImp::ConstrainSize(Size& size) {
+    return owner->OnConstrainSize(size);
+}
+
+bool WindowImp::CreateChildControl(Window& control, const ChildControl& spec) {
+    int32_t id = spec.id == -1 ? GetFreeChildId() : spec.id;
+    return CreateNativeChild(control, spec, id);
+}
+
+void WindowImp::NotifyNativeDestroyed() {
+    Timer::ForgetWindow(owner);
+    if (Application::GetMainWindow() == owner) {
+        QuitApplication();
+    }
+    owner->OnDestroy();
+}
+
+} // namespace quilt

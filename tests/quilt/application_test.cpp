@@ -1,0 +1,88 @@
+#include "quilt/application.h"
+
+#include "quilt/offscreen/offscreen_driver.h"
+#include "test_application.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+// What the last run of the process did.
+struct ProcessRecord {
+    std::string openedFile;
+    bool opened = false;
+    int idleRounds = 0;
+    bool exited = false;
+};
+
+ProcessRecord record;
+
+// Closes its main window in its first idle round.
+class ClosingApplication : public quilt::Application {
+public:
+    ClosingApplication() {
+        closer.onIdle = [] {
+            ++record.idleRounds;
+            quilt::Application::GetMainWindow()->Destroy();
+        };
+    }
+    bool Start() override {
+        closer.EnableIdle();
+        return Application::Start();
+    }
+    void OpenFile(const loam::FileSpec& file) override {
+        record.opened = true;
+        record.openedFile = file.GetPath().GetCString();
+    }
+    void OnExit() override { record.exited = true; }
+
+private:
+    RecordingIdleHandler closer;
+};
+
+quilt::Application* CreateClosingApplication() {
+    return new ClosingApplication;
+}
+
+TEST(ApplicationTest, TheProcessRunsUntilItsMainWindowCloses) {
+    struct ProcessCase {
+        std::vector<const char*> arguments;
+        bool opened;
+        const char* openedFile;
+    };
+    const ProcessCase cases[] = {
+        {{"sorvanta"}, false, ""},
+        {{"sorvanta", "\"/home/some", "file\""}, true, "/home/some file"},
+        {{"sorvanta", "/buildindex"}, true, "/buildindex"},
+        {{"sorvanta", "\""}, true, "\""},
+    };
+    for (const ProcessCase& test : cases) {
+        quilt::OffscreenDriver driver;
+        record = ProcessRecord{};
+        std::vector<char*> argv;
+        for (const char* argument : test.arguments) {
+            argv.push_back(const_cast<char*>(argument));
+        }
+        int code =
+            quilt::RunProcess(CreateClosingApplication, static_cast<int>(argv.size()), argv.data());
+        EXPECT_EQ(code, 0);
+        EXPECT_EQ(record.opened, test.opened);
+        EXPECT_EQ(record.openedFile, test.openedFile);
+        EXPECT_EQ(record.idleRounds, 1);
+        EXPECT_TRUE(record.exited);
+        EXPECT_EQ(quilt::Application::GetCurrent(), nullptr);
+    }
+}
+
+TEST(ApplicationTest, TheExitCommandDestroysTheMainWindowAndEndsTheLoop) {
+    quilt::OffscreenDriver driver;
+    TestApplication application;
+    EXPECT_FALSE(application.OnCommand(101));
+    EXPECT_TRUE(application.OnExitCommand());
+    EXPECT_FALSE(application.GetWindow().HasNativeWindow());
+    EXPECT_TRUE(driver.HasQuit());
+}
+
+} // namespace

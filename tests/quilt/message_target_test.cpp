@@ -1,0 +1,179 @@
+#include "quilt/message_target.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+using quilt::AnyControl;
+using quilt::MessageMap;
+using quilt::MessageMapEntry;
+
+class BaseTarget : public quilt::MessageTarget {
+public:
+    const MessageMap* GetMessageMap() const override { return &messageMap; }
+
+    std::vector<std::string> log;
+
+protected:
+    bool OnBaseOk() { return Record("base-ok", true); }
+    bool OnBaseCommand(int32_t id) { return Record("base-command-" + std::to_string(id), true); }
+    bool OnBaseRange() { return Record("base-range", true); }
+
+    bool Record(const std::string& entry, bool handled) {
+        log.push_back(entry);
+        return handled;
+    }
+
+    static const MessageMapEntry entries[];
+    static const MessageMap messageMap;
+};
+
+const MessageMapEntry BaseTarget::entries[] = {
+    quilt::Notification(quilt::MsgClicked, 1, &BaseTarget::OnBaseOk),
+    quilt::Command(100, &BaseTarget::OnBaseCommand),
+    quilt::CommandRange(200, 210, &BaseTarget::OnBaseRange),
+    quilt::EndOfMap,
+};
+const MessageMap BaseTarget::messageMap{&quilt::MessageTarget::messageMap, entries};
+
+class DerivedTarget : public BaseTarget {
+public:
+    const MessageMap* GetMessageMap() const override { return &messageMap; }
+
+private:
+    bool OnAnyClickEarly(int32_t id) { return Record("early-" + std::to_string(id), true); }
+    bool OnAnyClickLate(int32_t id) { return Record("late-" + std::to_string(id), true); }
+    bool OnFive() { return Record("five", true); }
+    bool OnOkDeclines() { return Record("derived-ok", false); }
+    bool OnEnter(int32_t word) { return Record("enter-" + std::to_string(word), true); }
+    bool OnSlider(int32_t kind, int32_t subKind, int32_t id) {
+        return Record("slider-" + std::to_string(kind) + "-" + std::to_string(subKind) + "-" +
+                          std::to_string(id),
+                      true);
+    }
+    bool OnCommandDeclines() { return Record("derived-command", false); }
+    bool OnNeverCalled() { return Record("never", true); }
+
+    static const MessageMapEntry entries[];
+    static const MessageMap messageMap;
+};
+
+MessageMapEntry WithSignature(MessageMapEntry row, int32_t signature) {
+    row.signature = signature;
+    return row;
+}
+
+MessageMapEntry WithSubKind(MessageMapEntry row, int32_t subKind) {
+    row.first = subKind;
+    return row;
+}
+
+const MessageMapEntry DerivedTarget::entries[] = {
+    quilt::NotificationRange(quilt::MsgClicked, AnyControl, AnyControl,
+                             &DerivedTarget::OnAnyClickEarly),
+    quilt::NotificationRange(quilt::MsgClicked, AnyControl, AnyControl,
+                             &DerivedTarget::OnAnyClickLate),
+    quilt::Notification(quilt::MsgClicked, 5, &DerivedTarget::OnFive),
+    quilt::Notification(quilt::MsgClicked, 1, &DerivedTarget::OnOkDeclines),
+    quilt::Notification(quilt::MsgEnterKey, 7, &DerivedTarget::OnEnter),
+    quilt::NotificationRange(quilt::MsgSliderTrack, 1, 10, &DerivedTarget::OnSlider),
+    WithSubKind(quilt::Notification(quilt::MsgTabChange, 9, &DerivedTarget::OnNeverCalled), 1),
+    WithSignature(quilt::Notification(quilt::MsgTabChange, 8, &DerivedTarget::OnNeverCalled), 7),
+    quilt::Command(100, &DerivedTarget::OnCommandDeclines),
+    WithSignature(quilt::Command(300, &DerivedTarget::OnNeverCalled), 4),
+    quilt::EndOfMap,
+};
+const MessageMap DerivedTarget::messageMap{&BaseTarget::messageMap, entries};
+
+struct DispatchCase {
+    const char* name;
+    int32_t kind;
+    int32_t subKind;
+    int32_t id;
+    const int32_t* parameter;
+    bool handled;
+    std::vector<std::string> log;
+};
+
+const int32_t parameterFive = 5;
+const int32_t parameterTwelve = 12;
+
+TEST(MessageTargetTest, DispatchTakesExactRowsFirstAndFallsThroughToTheBase) {
+    const DispatchCase cases[] = {
+        {"exact row behind two catch-alls",
+         quilt::MsgClicked,
+         0,
+         5,
+         &parameterFive,
+         true,
+         {"five"}},
+        {"later catch-all wins", quilt::MsgClicked, 0, 12, &parameterTwelve, true, {"late-12"}},
+        {"a catch-all is exact for id -1", quilt::MsgClicked, 0, -1, nullptr, true, {"early-0"}},
+        {"declining row lets the base run",
+         quilt::MsgClicked,
+         0,
+         1,
+         nullptr,
+         true,
+         {"derived-ok", "base-ok"}},
+        {"null parameter gives 0", quilt::MsgEnterKey, 0, 7, nullptr, true, {"enter-0"}},
+        {"three arguments", quilt::MsgSliderTrack, 0, 4, nullptr, true, {"slider-17-0-4"}},
+        {"sub kind must match", quilt::MsgTabChange, 0, 9, nullptr, false, {}},
+        {"invalid signature is unhandled", quilt::MsgTabChange, 0, 8, nullptr, false, {}},
+        {"nothing for this kind", quilt::MsgTextChange, 0, 5, nullptr, false, {}},
+    };
+    for (const DispatchCase& test : cases) {
+        DerivedTarget target;
+        EXPECT_EQ(target.Dispatch(test.kind, test.subKind, test.id, test.parameter), test.handled)
+            << test.name;
+        EXPECT_EQ(target.log, test.log) << test.name;
+    }
+}
+
+TEST(MessageTargetTest, CommandsTryTheFirstMatchingRowOfEachMap) {
+    struct CommandCase {
+        int32_t id;
+        bool handled;
+        std::vector<std::string> log;
+    };
+    const CommandCase cases[] = {
+        {100, true, {"derived-command", "base-command-100"}},
+        {205, true, {"base-range"}},
+        {300, false, {}},
+        {999, false, {}},
+    };
+    for (const CommandCase& test : cases) {
+        DerivedTarget target;
+        EXPECT_EQ(target.OnCommand(test.id), test.handled) << test.id;
+        EXPECT_EQ(target.log, test.log) << test.id;
+    }
+}
+
+TEST(MessageTargetTest, HasHandlerFindsTheRowWithoutCallingIt) {
+    DerivedTarget target;
+    const MessageMapEntry* row = nullptr;
+    ASSERT_TRUE(target.HasHandler(quilt::MsgClicked, 0, 5, &row));
+    EXPECT_EQ(row->idFirst, 5);
+    EXPECT_FALSE(target.HasHandler(quilt::MsgTextChange, 0, 5, &row));
+    EXPECT_TRUE(target.log.empty());
+}
+
+TEST(MessageTargetTest, ChainedTargetsAreAskedFirstUntilRemoved) {
+    DerivedTarget chained;
+    BaseTarget target;
+    target.AddTarget(&chained);
+    EXPECT_TRUE(target.Dispatch(quilt::MsgClicked, 0, 5, nullptr));
+    EXPECT_TRUE(target.OnCommand(100));
+    EXPECT_EQ(chained.log,
+              (std::vector<std::string>{"five", "derived-command", "base-command-100"}));
+    EXPECT_TRUE(target.log.empty());
+
+    target.AddTarget(&chained);
+    target.RemoveTarget(&chained);
+    EXPECT_FALSE(target.Dispatch(quilt::MsgClicked, 0, 5, nullptr));
+}
+
+} // namespace

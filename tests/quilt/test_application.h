@@ -1,0 +1,40 @@
+#pragma once
+
+#include "quilt/application.h"
+#include "quilt/clock.h"
+#include "quilt/window.h"
+
+#include <functional>
+#include <vector>
+
+// An application with a shown main window, made on the offscreen backend.
+class TestApplication : public quilt::Application {
+public:
+    TestApplication() {
+        CreateImp();
+        Start();
+    }
+    quilt::Window& GetWindow() { return *mainWindow; }
+};
+
+// Records the clock and the idle count of every call, and wants more while `rounds` lasts.
+class RecordingIdleHandler : public quilt::IdleHandler {
+public:
+    bool OnIdle(uint32_t idleCount) override {
+        times.push_back(quilt::GetTickCount());
+        counts.push_back(idleCount);
+        if (onIdle) {
+            onIdle();
+        }
+        if (rounds == 0) {
+            return false;
+        }
+        --rounds;
+        return true;
+    }
+
+    int rounds = 0;
+    std::function<void()> onIdle;
+    std::vector<uint32_t> times;
+    std::vector<uint32_t> counts;
+};
