@@ -13,7 +13,12 @@ struct FolderEntryInfo {
     uint32_t size = 0; // the low 32 bits of the size
     bool isFolder = false;
     DateTime modified;
+    uint64_t device = 0; // the file system that holds the entry
 };
+
+// What the iterator would tell of the entry at `path`, a symbolic link being an entry of its own.
+// False, raising nothing, when the entry cannot be examined.
+bool GetFolderEntryInfo(const FileSpec& path, FolderEntryInfo& info);
 
 struct FolderSnapshot;
 

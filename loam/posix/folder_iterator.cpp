@@ -29,13 +29,18 @@ bool IsDotOrDotDot(const char* name) {
     return name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0));
 }
 
+void FillInfo(const struct stat& status, FolderEntryInfo& info) {
+    info.size = static_cast<uint32_t>(status.st_size);
+    info.isFolder = S_ISDIR(status.st_mode);
+    info.modified = DateTime(static_cast<int32_t>(status.st_mtime));
+    info.device = status.st_dev;
+}
+
 void AddEntry(int folder, const char* name, FolderSnapshot& snapshot) {
     FolderEntryInfo info;
     struct stat status;
     if (fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) == 0) {
-        info.size = static_cast<uint32_t>(status.st_size);
-        info.isFolder = S_ISDIR(status.st_mode);
-        info.modified = DateTime(static_cast<int32_t>(status.st_mtime));
+        FillInfo(status, info);
     } else if (errno == ENOENT) {
         // Gone since the folder was read. An entry that exists but cannot be examined (in a
         // folder that may be read but not searched) keeps its name, as a file of size 0 and
@@ -65,12 +70,17 @@ void ReadEntries(int folder, FolderSnapshot& snapshot) {
     }
 }
 
-std::unique_ptr<FolderSnapshot> ReadFolder(const FileSpec& folder) {
-    // A path ending in "/" is resolved through a final symbolic link whatever the flags say.
-    String path(folder.GetPath());
+// A path ending in "/" is resolved through a final symbolic link whatever the flags say.
+String WithoutFinalSeparator(const FileSpec& spec) {
+    String path(spec.GetPath());
     const int32_t length = path.GetLength();
     if (length > 1 && path.GetCString()[length - 1] == '/')
         path.Truncate(length - 1);
+    return path;
+}
+
+std::unique_ptr<FolderSnapshot> ReadFolder(const FileSpec& folder) {
+    const String path = WithoutFinalSeparator(folder);
     const int descriptor = open(path.GetCString(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     if (descriptor < 0)
         return nullptr;
@@ -83,6 +93,15 @@ std::unique_ptr<FolderSnapshot> ReadFolder(const FileSpec& folder) {
 }
 
 } // namespace
+
+bool GetFolderEntryInfo(const FileSpec& path, FolderEntryInfo& info) {
+    struct stat status;
+    if (fstatat(AT_FDCWD, WithoutFinalSeparator(path).GetCString(), &status, AT_SYMLINK_NOFOLLOW) !=
+        0)
+        return false;
+    FillInfo(status, info);
+    return true;
+}
 
 FolderIterator::FolderIterator(const FileSpec& pattern) {
     Open(pattern);

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "index/file_index_writer.h"
+#include "loam/file_spec.h"
+#include "loam/folder_iterator.h"
+#include "loam/string.h"
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+// Walks one folder level and, through a chain of walkers below it, the whole tree under it,
+// handing every folder and file to the writer. The walk can stop after a number of files and go
+// on later exactly where it stopped: the chain of walkers is its state.
+//
+// A walk stays in the file system of its root: a folder of another one is written as an empty
+// folder. It passes over the roots of other walks, which add those folders themselves, and a
+// folder whose name the index cannot hold, with everything below it. A symbolic link is a file
+// and is never followed.
+class FolderWalker {
+public:
+    // Writes the folder's record at once: a walker with nothing above is a root. `walkRoots`,
+    // each ending in a separator, are passed over by this walk; the walkers below share them.
+    FolderWalker(FileIndexWriter* writer, const loam::FileSpec& path, FolderWalker* above,
+                 const std::vector<loam::String>* walkRoots = nullptr);
+    FolderWalker(const FolderWalker&) = delete;
+    FolderWalker& operator=(const FolderWalker&) = delete;
+    ~FolderWalker();
+
+    // One step is one file handed to the writer; with `limited` false the steps are left alone.
+    // `finished` tells whether the tree is done or the steps ran out first.
+    bool Walk(bool limited, int32_t* steps, bool* finished);
+    bool WalkSteps(int32_t budget, bool* finished);
+    bool WalkAll();
+    // The deepest folder under walk.
+    void GetCurrentFolder(loam::FileSpec* out) const;
+
+private:
+    // What the walkers of one walk share.
+    struct Shared {
+        uint64_t device = 0;
+        const std::vector<loam::String>* walkRoots = nullptr;
+        // The entry under look, reused for every entry so that a file costs no allocation.
+        loam::FileSpec entry;
+        loam::FolderEntryInfo info;
+    };
+
+    // A sub-folder, with what the iterator above told of it.
+    FolderWalker(FolderWalker& above, const loam::FileSpec& path,
+                 const loam::FolderEntryInfo& info);
+
+    void OpenFolder();
+    bool IsPassedOver(const loam::FileSpec& folder) const;
+    bool IsWalkRoot(const loam::String& folder) const;
+
+    FileIndexWriter* writer;
+    loam::FileSpec path;
+    // The root of a walk owns what its walkers share.
+    std::unique_ptr<Shared> ownShared;
+    Shared* shared;
+    std::unique_ptr<loam::FolderIterator> iterator;
+    std::unique_ptr<FolderWalker> child;
+};
