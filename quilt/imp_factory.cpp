@@ -1,6 +1,9 @@
 #include "quilt/imp_factory.h"
 
 #include "quilt/offscreen/offscreen_application_imp.h"
+#include "quilt/offscreen/offscreen_control_imps.h"
+#include "quilt/offscreen/offscreen_dialog_imp.h"
+#include "quilt/offscreen/offscreen_gc_imp.h"
 #include "quilt/offscreen/offscreen_window_imp.h"
 
 #include <cstdlib>
@@ -38,6 +41,42 @@ std::unique_ptr<ApplicationImp> ImpFactory::CreateApplicationImp() {
 
 std::unique_ptr<WindowImp> ImpFactory::CreateWindowImp() {
     return std::make_unique<Offscreen_WindowImp>();
+}
+
+std::unique_ptr<DialogImp> ImpFactory::CreateDialogImp() {
+    return std::make_unique<Offscreen_DialogImp>();
+}
+
+std::unique_ptr<EditBoxImp> ImpFactory::CreateEditBoxImp() {
+    return std::make_unique<Offscreen_EditBoxImp>();
+}
+
+std::unique_ptr<CheckBoxImp> ImpFactory::CreateCheckBoxImp() {
+    return std::make_unique<Offscreen_CheckBoxImp>();
+}
+
+std::unique_ptr<ButtonImp> ImpFactory::CreateButtonImp() {
+    return std::make_unique<Offscreen_ButtonImp>();
+}
+
+std::unique_ptr<SliderImp> ImpFactory::CreateSliderImp() {
+    return std::make_unique<Offscreen_SliderImp>();
+}
+
+std::unique_ptr<ProgressBarImp> ImpFactory::CreateProgressBarImp() {
+    return std::make_unique<Offscreen_ProgressBarImp>();
+}
+
+std::unique_ptr<GCImp> ImpFactory::CreateGCImp() {
+    return std::make_unique<Offscreen_GCImp>();
+}
+
+std::unique_ptr<RedrawGCImp> ImpFactory::CreateRedrawGCImp() {
+    return std::make_unique<Offscreen_RedrawGCImp>();
+}
+
+std::unique_ptr<FontImp> ImpFactory::CreateFontImp() {
+    return std::make_unique<Offscreen_FontImp>();
 }
 
 ImpFactory& GetImpFactory() {

@@ -5,6 +5,15 @@
 namespace quilt {
 
 class ApplicationImp;
+class ButtonImp;
+class CheckBoxImp;
+class DialogImp;
+class EditBoxImp;
+class FontImp;
+class GCImp;
+class ProgressBarImp;
+class RedrawGCImp;
+class SliderImp;
 class WindowImp;
 
 enum class Backend {
@@ -25,6 +34,15 @@ public:
 
     std::unique_ptr<ApplicationImp> CreateApplicationImp();
     std::unique_ptr<WindowImp> CreateWindowImp();
+    std::unique_ptr<DialogImp> CreateDialogImp();
+    std::unique_ptr<EditBoxImp> CreateEditBoxImp();
+    std::unique_ptr<CheckBoxImp> CreateCheckBoxImp();
+    std::unique_ptr<ButtonImp> CreateButtonImp();
+    std::unique_ptr<SliderImp> CreateSliderImp();
+    std::unique_ptr<ProgressBarImp> CreateProgressBarImp();
+    std::unique_ptr<GCImp> CreateGCImp();
+    std::unique_ptr<RedrawGCImp> CreateRedrawGCImp();
+    std::unique_ptr<FontImp> CreateFontImp();
 
 private:
     bool chosen = false;

@@ -97,19 +97,6 @@ bool Window::SetTextFormat(const char* format, ...) {
     return SetText(text);
 }
 
-bool Window::SetTextFormat(uint16_t formatId, ...) {
-    loam::String format;
-    if (!loam::LoadResourceString(loam::StringResource(formatId), format)) {
-        return false;
-    }
-    loam::String text;
-    va_list args;
-    va_start(args, formatId);
-    text.FormatArgs(format.GetCString(), args);
-    va_end(args);
-    return SetText(text);
-}
-
 bool Window::IsTextEmpty() {
     loam::String text;
     return !GetText(text) || text.IsEmpty();

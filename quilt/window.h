@@ -80,7 +80,14 @@ public:
     bool SetText(const loam::ResourceId& text);
     bool SetText(uint16_t stringId);
     bool SetTextFormat(const char* format, ...) __attribute__((format(printf, 2, 3)));
-    bool SetTextFormat(uint16_t formatId, ...);
+    // The format is the text of string `formatId`; false when the string is missing.
+    template <typename... Args> bool SetTextFormat(uint16_t formatId, Args... args) {
+        loam::String text;
+        if (!loam::FormatResource(loam::StringResource(formatId), text, args...)) {
+            return false;
+        }
+        return SetText(text);
+    }
     bool GetText(loam::String& text) { return imp->GetText(text); }
     bool IsTextEmpty();
     void SetFocus() { imp->SetFocus(); }
@@ -113,6 +120,11 @@ public:
     void Invalidate(const Rect* rect) { imp->Invalidate(rect); }
     void InvalidateAll() { imp->Invalidate(nullptr); }
     void SetFullScreen(bool fullScreen) { imp->SetFullScreen(fullScreen); }
+
+protected:
+    // For a window that gets its parent other than by creation or binding: a dialog, from its
+    // constructor.
+    void SetParent(Window* parentWindow) { parent = parentWindow; }
 
 private:
     std::unique_ptr<WindowImp> imp;

@@ -73,7 +73,8 @@ enum KeyEventKind : int32_t {
 constexpr int32_t DialogCodeWantAllKeys = 4;
 
 // A control made by code rather than by a dialog template. `className` names the native control
-// class, which each backend maps to its own widget. Id -1 asks for the parent's first free id.
+// class (the ControlClass... names of quilt/dialog_template.h), which each backend maps to its own
+// widget; `style` holds ControlStyle bits. Id -1 asks for the parent's first free id.
 struct ChildControl {
     const char* className = "";
     loam::String title;

@@ -15,12 +15,22 @@ constexpr OffscreenMessageKind userInputKinds[] = {
     OffscreenMessageKind::KeyDown,    OffscreenMessageKind::KeyUp,
     OffscreenMessageKind::Char,       OffscreenMessageKind::MouseDown,
     OffscreenMessageKind::MouseUp,    OffscreenMessageKind::MouseDoubleClick,
-    OffscreenMessageKind::MouseWheel,
+    OffscreenMessageKind::MouseWheel, OffscreenMessageKind::ThumbDrag,
+};
+
+constexpr OffscreenMessageKind keyKinds[] = {
+    OffscreenMessageKind::KeyDown,
+    OffscreenMessageKind::KeyUp,
+    OffscreenMessageKind::Char,
 };
 
 bool IsUserInput(OffscreenMessageKind kind) {
     return std::find(std::begin(userInputKinds), std::end(userInputKinds), kind) !=
            std::end(userInputKinds);
+}
+
+bool IsKey(OffscreenMessageKind kind) {
+    return std::find(std::begin(keyKinds), std::end(keyKinds), kind) != std::end(keyKinds);
 }
 
 // How far `tick` lies ahead of `now`; 0 when it has been reached.
@@ -40,6 +50,54 @@ void OffscreenWindow::DefaultHandling(const OffscreenMessage& message) {
     if (message.kind == OffscreenMessageKind::Close) {
         GetOffscreenDesktop().DestroyWindow(this);
     }
+}
+
+void OffscreenWindow::SetNativeText(const loam::String& newText) {
+    text = newText;
+    needsPaint = true;
+}
+
+OffscreenWindow* OffscreenWindow::FindChild(int32_t childId) const {
+    for (const auto& child : children) {
+        if (child->id == childId) {
+            return child.get();
+        }
+    }
+    return nullptr;
+}
+
+OffscreenWindow* OffscreenWindow::FindControl(int32_t controlId) const {
+    if (OffscreenWindow* child = FindChild(controlId)) {
+        return child;
+    }
+    for (const auto& child : children) {
+        if (OffscreenWindow* grandChild = child->FindChild(controlId)) {
+            return grandChild;
+        }
+    }
+    return nullptr;
+}
+
+OffscreenWindow* OffscreenWindow::GetTopLevel() {
+    OffscreenWindow* window = this;
+    while (window->parent != nullptr) {
+        window = window->parent;
+    }
+    return window;
+}
+
+bool OffscreenWindow::IsInside(const OffscreenWindow* ancestor) const {
+    for (const OffscreenWindow* window = this; window != nullptr; window = window->parent) {
+        if (window == ancestor) {
+            return true;
+        }
+    }
+    return false;
+}
+
+int32_t OffscreenWindow::GetDialogCode(KeyEventKind kind, int32_t value) const {
+    int32_t code = GetNativeDialogCode(kind, value);
+    return imp != nullptr ? imp->GetDialogCode(kind, value, code) : code;
 }
 
 bool OffscreenWindow::IsShowing() const {
@@ -120,6 +178,15 @@ void OffscreenDesktop::BringToTop(OffscreenWindow* window) {
     std::rotate(position, position + 1, list.end());
 }
 
+void OffscreenDesktop::SendToBottom(OffscreenWindow* window) {
+    auto& list = window->parent != nullptr ? window->parent->children : topWindows;
+    auto position = FindIn(list, window);
+    if (position == list.end()) {
+        return;
+    }
+    std::rotate(list.begin(), position, position + 1);
+}
+
 Point OffscreenDesktop::GetScreenOrigin(const OffscreenWindow* window) const {
     Point origin;
     for (; window != nullptr; window = window->parent) {
@@ -190,7 +257,20 @@ void OffscreenDesktop::Send(OffscreenWindow* window, const OffscreenMessage& mes
 }
 
 void OffscreenDesktop::Post(OffscreenWindow* window, const OffscreenMessage& message) {
-    events.push_back(PostedEvent{window->handle, message});
+    events.push_back(PostedEvent{window->handle, message, false});
+}
+
+void OffscreenDesktop::PostToFocus(OffscreenWindow* window, const OffscreenMessage& message) {
+    events.push_back(PostedEvent{window->handle, message, true});
+}
+
+OffscreenWindow* OffscreenDesktop::GetEventTarget(const PostedEvent& event) const {
+    OffscreenWindow* window = Find(event.target);
+    if (window == nullptr || !event.toFocus) {
+        return window;
+    }
+    OffscreenWindow* focused = GetFocus();
+    return focused != nullptr && focused->IsInside(window->GetTopLevel()) ? focused : window;
 }
 
 bool OffscreenDesktop::SetTimer(OffscreenWindow* window, uint32_t id, uint32_t interval) {
@@ -224,14 +304,17 @@ bool OffscreenDesktop::ServeOneEvent() {
     }
     PostedEvent event = *due;
     events.erase(due);
-    OffscreenWindow* window = Find(event.target);
+    OffscreenWindow* window = GetEventTarget(event);
     // A disabled or hidden window gets no input, as under a modal dialog.
     if (window == nullptr || !window->IsEnabledAndVisible()) {
         return true;
     }
-    Send(window, event.message);
-    if (IsUserInput(event.message.kind)) {
-        NoteUserInput(event.message.time);
+    const OffscreenMessage& message = event.message;
+    if (!IsKey(message.kind) || !window->GetTopLevel()->TranslateDialogKey(*window, message)) {
+        Send(window, message);
+    }
+    if (IsUserInput(message.kind)) {
+        NoteUserInput(message.time);
     }
     return true;
 }
@@ -315,6 +398,26 @@ bool OffscreenDesktop::WaitMessage() {
     return true;
 }
 
+void OffscreenDesktop::BeginModal(OffscreenWindow* window) {
+    modalWindows.push_back(window->handle);
+    if (modalHook) {
+        modalHook(*window);
+    }
+}
+
+void OffscreenDesktop::EndModal(OffscreenHandle handle) {
+    std::erase(modalWindows, handle);
+}
+
+OffscreenWindow* OffscreenDesktop::GetModalWindow() const {
+    for (auto handle = modalWindows.rbegin(); handle != modalWindows.rend(); ++handle) {
+        if (OffscreenWindow* window = Find(*handle)) {
+            return window;
+        }
+    }
+    return nullptr;
+}
+
 void OffscreenDesktop::Reset() {
     while (!topWindows.empty()) {
         DestroyWindow(topWindows.back().get());
@@ -324,6 +427,7 @@ void OffscreenDesktop::Reset() {
     focus = 0;
     capture = 0;
     waitDeadline.reset();
+    modalWindows.clear();
 }
 
 OffscreenDesktop& GetOffscreenDesktop() {

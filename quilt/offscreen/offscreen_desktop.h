@@ -5,6 +5,7 @@
 #include "quilt/window_imp.h"
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -35,6 +36,10 @@ enum class OffscreenMessageKind {
     MouseDoubleClick,
     MouseMove,
     MouseWheel,
+    // A control tells its parent what happened to it.
+    Notify,
+    // The user drags a slider's thumb to the position in `value`.
+    ThumbDrag,
 };
 
 struct OffscreenMessage {
@@ -46,6 +51,17 @@ struct OffscreenMessage {
     uint32_t flags = 0; // key modifiers or mouse flags
     Point point;        // mouse position in client coordinates; position after a move
     Size size;          // client size after a size change
+    // Notify: `value` is the control's id, `code` what happened (its class says what the codes
+    // mean), `flags` a detail of the code, `source` the control.
+    int32_t code = 0;
+    OffscreenHandle source = 0;
+};
+
+// A native control's own dialog code: which keys it takes before its dialog sees them.
+enum OffscreenDialogCode : int32_t {
+    DialogCodeWantArrows = 1,
+    DialogCodeWantTab = 2,
+    DialogCodeHasSetSel = 8,
 };
 
 // A native window of the offscreen desktop, its state in memory. The backend's control classes
@@ -59,14 +75,28 @@ struct OffscreenWindow {
 
     // What the native class does with a message that no bound Imp finished.
     virtual void DefaultHandling(const OffscreenMessage& message);
+    virtual void SetNativeText(const loam::String& newText);
+    // The dialog code of the class itself, before the bound Imp adds to it.
+    virtual int32_t GetNativeDialogCode(KeyEventKind, int32_t) const { return 0; }
+    // Asked on a top-level window for each key event that goes to `target`, itself or a window
+    // inside it; true when it took the key, as a dialog takes Return, Escape and Tab.
+    virtual bool TranslateDialogKey(OffscreenWindow&, const OffscreenMessage&) { return false; }
 
     // Shown, and so are all its ancestors.
     bool IsShowing() const;
     bool IsEnabledAndVisible() const;
+    OffscreenWindow* FindChild(int32_t childId) const;
+    // A child, or a control one level down inside a group.
+    OffscreenWindow* FindControl(int32_t controlId) const;
+    OffscreenWindow* GetTopLevel();
+    bool IsInside(const OffscreenWindow* ancestor) const;
+    // The dialog code of a key event for this window, its bound Imp's wishes included.
+    int32_t GetDialogCode(KeyEventKind kind, int32_t value) const;
 
     OffscreenHandle handle = 0;
     loam::String className;
     int32_t id = 0;
+    uint32_t style = 0; // ControlStyle bits for a control
     loam::String text;
     Rect rect; // in the parent's client coordinates; on the screen for a top-level window
     bool visible = false;
@@ -104,6 +134,7 @@ public:
         return topWindows;
     }
     void BringToTop(OffscreenWindow* window);
+    void SendToBottom(OffscreenWindow* window);
     Point GetScreenOrigin(const OffscreenWindow* window) const;
 
     OffscreenWindow* GetFocus() const { return Find(focus); }
@@ -118,6 +149,9 @@ public:
     void Send(OffscreenWindow* window, const OffscreenMessage& message);
     // Queues for the time in the message.
     void Post(OffscreenWindow* window, const OffscreenMessage& message);
+    // Queues input for whichever window inside `window`'s top-level window has the focus when
+    // the input is served, or for `window` itself when none has.
+    void PostToFocus(OffscreenWindow* window, const OffscreenMessage& message);
 
     bool SetTimer(OffscreenWindow* window, uint32_t id, uint32_t interval);
     void KillTimer(OffscreenWindow* window, uint32_t id);
@@ -130,6 +164,15 @@ public:
     // A wait never runs the clock past this tick.
     void SetWaitDeadline(std::optional<uint32_t> tick) { waitDeadline = tick; }
 
+    // A modal dialog's run: `window` is up, with its controls, and its run starts now.
+    void BeginModal(OffscreenWindow* window);
+    void EndModal(OffscreenHandle handle);
+    // The newest modal dialog still running, or null.
+    OffscreenWindow* GetModalWindow() const;
+    // Called for each modal dialog as its run starts; a test acts in it from here.
+    using ModalHook = std::function<void(OffscreenWindow&)>;
+    void SetModalHook(ModalHook hook) { modalHook = std::move(hook); }
+
     // Destroys every window and drops every event and timer.
     void Reset();
 
@@ -137,6 +180,7 @@ private:
     struct PostedEvent {
         OffscreenHandle target;
         OffscreenMessage message;
+        bool toFocus = false;
     };
     struct NativeTimer {
         OffscreenHandle window;
@@ -147,6 +191,7 @@ private:
     };
 
     bool ServeOneEvent();
+    OffscreenWindow* GetEventTarget(const PostedEvent& event) const;
     bool FireOneTimer(uint64_t pump);
     void PaintWindows();
     void Forget(OffscreenWindow* window);
@@ -161,6 +206,8 @@ private:
     std::vector<NativeTimer> timers;
     uint64_t pumpCount = 0;
     std::optional<uint32_t> waitDeadline;
+    std::vector<OffscreenHandle> modalWindows;
+    ModalHook modalHook;
 };
 
 OffscreenDesktop& GetOffscreenDesktop();

@@ -1,19 +1,43 @@
 #include "quilt/offscreen/offscreen_driver.h"
 
 #include "quilt/application.h"
+#include "quilt/dialog.h"
+#include "quilt/keys.h"
+#include "quilt/offscreen/offscreen_controls.h"
+#include "quilt/offscreen/offscreen_dialog_imp.h"
 #include "quilt/offscreen/offscreen_window_imp.h"
 #include "quilt/wait_cursor.h"
 #include "quilt/window.h"
 
+#include <algorithm>
+
 namespace quilt {
+
+namespace {
+
+// Keys that also type a character.
+constexpr int32_t characterKeys[] = {KeyBackspace, KeyTab, KeyReturn, KeyEscape, KeySpace};
+
+Dialog* GetDialogOf(OffscreenWindow* window) {
+    Dialog* dialog = nullptr;
+    if (window == nullptr || window->imp == nullptr || window->imp->GetOwner() == nullptr ||
+        !window->imp->GetOwner()->AsDialog(&dialog)) {
+        return nullptr;
+    }
+    return dialog;
+}
+
+} // namespace
 
 OffscreenDriver::OffscreenDriver(uint32_t startTime)
     : clock(startTime), desktop(GetOffscreenDesktop()) {
     desktop.Reset();
     SetClock(&clock);
+    desktop.SetModalHook([this](OffscreenWindow& window) { OnModal(window); });
 }
 
 OffscreenDriver::~OffscreenDriver() {
+    desktop.SetModalHook({});
     desktop.Reset();
     SetClock(nullptr);
 }
@@ -185,6 +209,167 @@ OffscreenWindow* OffscreenDriver::FindTopWindow(const char* title) const {
 
 bool OffscreenDriver::IsWaitCursorShowing() const {
     return WaitCursor::IsShowing();
+}
+
+Dialog* OffscreenDriver::FindDialog(uint16_t templateId) const {
+    const auto& windows = desktop.GetTopWindows();
+    for (auto entry = windows.rbegin(); entry != windows.rend(); ++entry) {
+        auto* dialog = dynamic_cast<OffscreenDialogWindow*>(entry->get());
+        if (dialog != nullptr && dialog->templateId == templateId && dialog->visible) {
+            return GetDialogOf(dialog);
+        }
+    }
+    return nullptr;
+}
+
+Dialog* OffscreenDriver::GetModalDialog() const {
+    return GetDialogOf(desktop.GetModalWindow());
+}
+
+void OffscreenDriver::OnNextModal(std::function<void(Dialog&)> action) {
+    modalActions.push_back(std::move(action));
+}
+
+void OffscreenDriver::OnModal(OffscreenWindow& window) {
+    Dialog* dialog = GetDialogOf(&window);
+    if (dialog == nullptr || modalActions.empty()) {
+        return;
+    }
+    std::function<void(Dialog&)> action = std::move(modalActions.front());
+    modalActions.pop_front();
+    action(*dialog);
+}
+
+void OffscreenDriver::PostToControl(Dialog& dialog, int32_t id, OffscreenMessage message,
+                                    std::optional<uint32_t> at) {
+    OffscreenWindow* control = FindControl(dialog, id);
+    if (control == nullptr) {
+        return;
+    }
+    message.time = at.value_or(Now());
+    desktop.Post(control, message);
+}
+
+void OffscreenDriver::Click(Dialog& dialog, int32_t id, std::optional<uint32_t> at) {
+    OffscreenWindow* control = FindControl(dialog, id);
+    if (control == nullptr) {
+        return;
+    }
+    for (OffscreenMessageKind kind :
+         {OffscreenMessageKind::MouseDown, OffscreenMessageKind::MouseUp}) {
+        OffscreenMessage message{kind};
+        message.flags = MouseLeft;
+        message.point = Point{control->rect.GetWidth() / 2, control->rect.GetHeight() / 2};
+        PostToControl(dialog, id, message, at);
+    }
+}
+
+void OffscreenDriver::TypeText(Dialog& dialog, int32_t id, const char* text,
+                               std::optional<uint32_t> at) {
+    Click(dialog, id, at);
+    for (const char* byte = text; *byte != '\0'; ++byte) {
+        OffscreenMessage message{OffscreenMessageKind::Char};
+        message.value = static_cast<unsigned char>(*byte);
+        PostToControl(dialog, id, message, at);
+    }
+}
+
+void OffscreenDriver::PressKey(Dialog& dialog, int32_t key, uint32_t modifiers,
+                               std::optional<uint32_t> at) {
+    OffscreenWindow* native = GetNative(dialog);
+    if (native == nullptr) {
+        return;
+    }
+    bool typesCharacter = std::find(std::begin(characterKeys), std::end(characterKeys), key) !=
+                          std::end(characterKeys);
+    for (OffscreenMessageKind kind :
+         {OffscreenMessageKind::KeyDown, OffscreenMessageKind::Char, OffscreenMessageKind::KeyUp}) {
+        if (kind == OffscreenMessageKind::Char && !typesCharacter) {
+            continue;
+        }
+        OffscreenMessage message{kind};
+        message.value = key;
+        message.flags = kind == OffscreenMessageKind::Char ? 0 : modifiers;
+        message.time = at.value_or(Now());
+        desktop.PostToFocus(native, message);
+    }
+}
+
+void OffscreenDriver::PressReturn(Dialog& dialog, std::optional<uint32_t> at) {
+    PressKey(dialog, KeyReturn, 0, at);
+}
+
+void OffscreenDriver::PressEscape(Dialog& dialog, std::optional<uint32_t> at) {
+    PressKey(dialog, KeyEscape, 0, at);
+}
+
+void OffscreenDriver::PressTab(Dialog& dialog, bool backwards, std::optional<uint32_t> at) {
+    PressKey(dialog, KeyTab, backwards ? uint32_t{ModifierShift} : 0u, at);
+}
+
+void OffscreenDriver::MoveSlider(Dialog& dialog, int32_t id, int32_t position,
+                                 std::optional<uint32_t> at) {
+    OffscreenMessage message{OffscreenMessageKind::ThumbDrag};
+    message.value = position;
+    PostToControl(dialog, id, message, at);
+}
+
+void OffscreenDriver::ResizeDialog(Dialog& dialog, int32_t width, int32_t height) {
+    OffscreenWindow* native = GetNative(dialog);
+    if (native == nullptr) {
+        return;
+    }
+    const Rect& rect = native->rect;
+    desktop.MoveWindow(native, Rect{rect.left, rect.top, rect.left + width, rect.top + height});
+}
+
+OffscreenWindow* OffscreenDriver::FindControl(Dialog& dialog, int32_t id) const {
+    OffscreenWindow* native = GetNative(dialog);
+    return native != nullptr ? native->FindControl(id) : nullptr;
+}
+
+loam::String OffscreenDriver::GetControlText(Dialog& dialog, int32_t id) const {
+    OffscreenWindow* control = FindControl(dialog, id);
+    return control != nullptr ? control->text : loam::String();
+}
+
+int32_t OffscreenDriver::GetCheckState(Dialog& dialog, int32_t id) const {
+    auto* button = dynamic_cast<OffscreenButton*>(FindControl(dialog, id));
+    return button != nullptr ? button->checkState : 0;
+}
+
+int32_t OffscreenDriver::GetSliderPosition(Dialog& dialog, int32_t id) const {
+    auto* bar = dynamic_cast<OffscreenTrackBar*>(FindControl(dialog, id));
+    return bar != nullptr ? bar->position : 0;
+}
+
+int32_t OffscreenDriver::GetProgressPosition(Dialog& dialog, int32_t id) const {
+    auto* bar = dynamic_cast<OffscreenProgressBar*>(FindControl(dialog, id));
+    return bar != nullptr ? bar->position : 0;
+}
+
+bool OffscreenDriver::IsControlEnabled(Dialog& dialog, int32_t id) const {
+    OffscreenWindow* control = FindControl(dialog, id);
+    return control != nullptr && control->enabled;
+}
+
+bool OffscreenDriver::IsControlVisible(Dialog& dialog, int32_t id) const {
+    OffscreenWindow* control = FindControl(dialog, id);
+    return control != nullptr && control->visible;
+}
+
+Rect OffscreenDriver::GetControlRect(Dialog& dialog, int32_t id) const {
+    OffscreenWindow* control = FindControl(dialog, id);
+    return control != nullptr ? control->rect : Rect{};
+}
+
+int32_t OffscreenDriver::GetFocusId(Dialog& dialog) const {
+    OffscreenWindow* native = GetNative(dialog);
+    OffscreenWindow* focus = desktop.GetFocus();
+    if (native == nullptr || focus == nullptr || focus == native || !focus->IsInside(native)) {
+        return -1;
+    }
+    return focus->id;
 }
 
 } // namespace quilt

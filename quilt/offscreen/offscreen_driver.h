@@ -6,11 +6,13 @@
 #include "quilt/offscreen/offscreen_desktop.h"
 
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <optional>
 
 namespace quilt {
 
+class Dialog;
 class Window;
 
 // A clock that moves only when told to, or when the loop it drives would wait or sleep.
@@ -88,6 +90,51 @@ public:
     OffscreenWindow* FindTopWindow(const char* title) const;
     bool IsWaitCursorShowing() const;
 
+    // Dialogs. A dialog is found by the id of its template (0 for one built without a template);
+    // the topmost such dialog that is up, or null.
+    Dialog* FindDialog(uint16_t templateId) const;
+    // The newest modal dialog whose run is under way, or null.
+    Dialog* GetModalDialog() const;
+    // Runs `action` when the next modal dialog has come up, before its run serves anything: the
+    // action acts in it by posting, and the dialog's own loop serves what it posted. Actions
+    // wait in a queue, one for each modal dialog to come. A modal dialog that nothing can reach
+    // any more is closed, so a run never hangs; a test's time limit closes it too.
+    void OnNextModal(std::function<void(Dialog&)> action);
+    size_t GetWaitingModalActions() const { return modalActions.size(); }
+
+    // What a user does in a dialog; the input waits for the loop that runs next. A disabled or
+    // hidden control gets none of it.
+    void Click(Dialog& dialog, int32_t id, std::optional<uint32_t> at = {});
+    // Clicks into the box, which puts the caret at the end of its text, and types each byte.
+    void TypeText(Dialog& dialog, int32_t id, const char* text, std::optional<uint32_t> at = {});
+    // Down, the character where the key has one, and up, to whichever control of the dialog
+    // has the focus when the key is served.
+    void PressKey(Dialog& dialog, int32_t key, uint32_t modifiers = 0,
+                  std::optional<uint32_t> at = {});
+    void PressReturn(Dialog& dialog, std::optional<uint32_t> at = {});
+    void PressEscape(Dialog& dialog, std::optional<uint32_t> at = {});
+    void PressTab(Dialog& dialog, bool backwards = false, std::optional<uint32_t> at = {});
+    // Drags the slider's thumb to `position`.
+    void MoveSlider(Dialog& dialog, int32_t id, int32_t position, std::optional<uint32_t> at = {});
+    // Drags the size grip until the dialog's client area is this size, at once; the dialog may
+    // refuse to get smaller.
+    void ResizeDialog(Dialog& dialog, int32_t width, int32_t height);
+
+    // What the user sees of a dialog's controls. A control that isn't there reads as empty,
+    // 0, false or an empty rectangle.
+    OffscreenWindow* FindControl(Dialog& dialog, int32_t id) const;
+    loam::String GetControlText(Dialog& dialog, int32_t id) const;
+    int32_t GetCheckState(Dialog& dialog, int32_t id) const;
+    int32_t GetSliderPosition(Dialog& dialog, int32_t id) const;
+    // On the native scale, 0 to 65535.
+    int32_t GetProgressPosition(Dialog& dialog, int32_t id) const;
+    bool IsControlEnabled(Dialog& dialog, int32_t id) const;
+    bool IsControlVisible(Dialog& dialog, int32_t id) const;
+    // In the client coordinates of the control's parent.
+    Rect GetControlRect(Dialog& dialog, int32_t id) const;
+    // The id of the control that has the focus, -1 when none in the dialog has.
+    int32_t GetFocusId(Dialog& dialog) const;
+
 private:
     enum class RunEnd { Rest, Condition, Limit };
 
@@ -98,8 +145,13 @@ private:
     void PostMouse(Window& window, OffscreenMessageKind kind, uint32_t flags, Point point,
                    std::optional<uint32_t> at);
 
+    void PostToControl(Dialog& dialog, int32_t id, OffscreenMessage message,
+                       std::optional<uint32_t> at);
+    void OnModal(OffscreenWindow& window);
+
     VirtualClock clock;
     OffscreenDesktop& desktop;
+    std::deque<std::function<void(Dialog&)>> modalActions;
 };
 
 } // namespace quilt

@@ -1,5 +1,8 @@
 #include "quilt/offscreen/offscreen_window_imp.h"
 
+#include "quilt/application.h"
+#include "quilt/dialog_template.h"
+#include "quilt/offscreen/offscreen_controls.h"
 #include "quilt/timer.h"
 #include "quilt/window.h"
 
@@ -11,27 +14,9 @@ constexpr Rect createdWindowRect{100, 100, 400, 400};
 constexpr int32_t createdChildId = 1200;
 constexpr int32_t firstFreeChildId = 1001;
 
-OffscreenWindow* FindChild(const OffscreenWindow& parent, int32_t id) {
-    for (const auto& child : parent.children) {
-        if (child->id == id) {
-            return child.get();
-        }
-    }
-    return nullptr;
-}
-
-// A control one level down, inside a group, is found too.
-OffscreenWindow* FindControl(const OffscreenWindow& parent, int32_t id) {
-    if (OffscreenWindow* child = FindChild(parent, id)) {
-        return child;
-    }
-    for (const auto& child : parent.children) {
-        if (OffscreenWindow* grandChild = FindChild(*child, id)) {
-            return grandChild;
-        }
-    }
-    return nullptr;
-}
+// Notification codes that are commands: a click and an accelerator.
+constexpr int32_t clickCode = 0;
+constexpr int32_t acceleratorCode = 1;
 
 } // namespace
 
@@ -52,6 +37,7 @@ const Offscreen_WindowImp::Route Offscreen_WindowImp::routes[] = {
     {OffscreenMessageKind::MouseDoubleClick, &Offscreen_WindowImp::RouteMouseDoubleClick},
     {OffscreenMessageKind::MouseMove, &Offscreen_WindowImp::RouteMouseMove},
     {OffscreenMessageKind::MouseWheel, &Offscreen_WindowImp::RouteMouseWheel},
+    {OffscreenMessageKind::Notify, &Offscreen_WindowImp::RouteNotify},
 };
 
 Offscreen_WindowImp::~Offscreen_WindowImp() {
@@ -172,8 +158,7 @@ bool Offscreen_WindowImp::SetText(const loam::String& text) {
     if (native == nullptr) {
         return false;
     }
-    native->text = text;
-    native->needsPaint = true;
+    native->SetNativeText(text);
     return true;
 }
 
@@ -312,7 +297,7 @@ int32_t Offscreen_WindowImp::GetFreeChildId() {
         return -1;
     }
     int32_t id = firstFreeChildId;
-    while (FindChild(*native, id) != nullptr) {
+    while (native->FindChild(id) != nullptr) {
         ++id;
     }
     return id;
@@ -321,7 +306,7 @@ int32_t Offscreen_WindowImp::GetFreeChildId() {
 bool Offscreen_WindowImp::BindToControl(Window* parentWindow, int32_t id) {
     parent = parentWindow;
     OffscreenWindow* parentNative = GetNativeOf(parentWindow);
-    return parentNative != nullptr && Attach(FindControl(*parentNative, id));
+    return parentNative != nullptr && Attach(parentNative->FindControl(id));
 }
 
 bool Offscreen_WindowImp::BindToHandle(Window* parentWindow, NativeHandle handle) {
@@ -401,13 +386,14 @@ bool Offscreen_WindowImp::CreateNativeChild(Window& control, const ChildControl&
     if (native == nullptr || controlImp == nullptr) {
         return false;
     }
-    auto created = std::make_unique<OffscreenWindow>(spec.className, native);
+    uint32_t style = spec.style | (spec.tabStop ? uint32_t{StyleTabStop} : 0u);
+    auto created = MakeOffscreenWindow(spec.className, style, native);
     created->id = id;
     created->text = spec.title;
     created->rect = spec.rect;
     created->visible = true;
     created->scrollBars = controlImp->scrollBars;
-    controlImp->parent = control.GetParent();
+    controlImp->parent = GetOwner();
     return controlImp->Attach(GetOffscreenDesktop().AddWindow(std::move(created)));
 }
 
@@ -473,6 +459,21 @@ bool Offscreen_WindowImp::RouteMouseMove(const OffscreenMessage& message) {
 
 bool Offscreen_WindowImp::RouteMouseWheel(const OffscreenMessage& message) {
     return GetOwner()->OnMouseWheel(message.value);
+}
+
+// A control's command goes to the owner, an accelerator then to the application; any other
+// notification is translated. Only a dialog translates a click.
+bool Offscreen_WindowImp::RouteNotify(const OffscreenMessage& message) {
+    if (message.code != clickCode && message.code != acceleratorCode) {
+        return OnNativeNotification(message.code, message.value, message.source, message.flags) !=
+               NotHandled;
+    }
+    if (GetOwner()->OnCommand(message.value)) {
+        return true;
+    }
+    Application* application = Application::GetCurrent();
+    return message.code == acceleratorCode && application != nullptr &&
+           application->OnCommand(message.value);
 }
 
 } // namespace quilt

@@ -61,7 +61,7 @@ public:
     // Turns a native message into the owner's On... call; true when the owner finished it.
     virtual bool WindowProc(const OffscreenMessage& message);
     // The desktop destroyed the native window.
-    void OnNativeWindowGone();
+    virtual void OnNativeWindowGone();
 
     OffscreenWindow* GetNative() const { return native; }
     Window* GetParent() const { return parent; }
@@ -71,6 +71,7 @@ public:
 
 protected:
     bool CreateNativeChild(Window& control, const ChildControl& spec, int32_t id) override;
+    void SetParentWindow(Window* window) { parent = window; }
 
 private:
     bool RouteMove(const OffscreenMessage& message);
@@ -89,6 +90,7 @@ private:
     bool RouteMouseDoubleClick(const OffscreenMessage& message);
     bool RouteMouseMove(const OffscreenMessage& message);
     bool RouteMouseWheel(const OffscreenMessage& message);
+    bool RouteNotify(const OffscreenMessage& message);
 
     struct Route {
         OffscreenMessageKind kind;

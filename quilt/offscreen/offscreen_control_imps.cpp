@@ -1,0 +1,312 @@
+#include "quilt/offscreen/offscreen_control_imps.h"
+
+#include "quilt/dialog_imp.h"
+#include "quilt/dialog_template.h"
+
+#include <algorithm>
+#include <strings.h>
+
+namespace quilt {
+
+namespace {
+
+bool IsOfClass(const OffscreenWindow* window, const char* className) {
+    return window != nullptr && strcasecmp(window->className.GetCString(), className) == 0;
+}
+
+bool CreateControl(Window& control, Window* parent, const char* className, uint32_t style,
+                   const Rect& rect, int32_t id) {
+    if (parent == nullptr) {
+        return false;
+    }
+    ChildControl spec;
+    spec.className = className;
+    spec.style = style;
+    spec.rect = rect;
+    spec.id = id;
+    spec.tabStop = (style & StyleTabStop) != 0;
+    return parent->GetImp()->CreateChildControl(control, spec);
+}
+
+struct EditNotification {
+    int32_t code;
+    int32_t kind;
+    bool carriesId;
+};
+
+constexpr EditNotification editNotifications[] = {
+    {NotifyEditSetFocus, MsgFocusGained, false},
+    {NotifyEditKillFocus, MsgFocusLost, false},
+    {NotifyEditChange, MsgTextChange, true},
+    {NotifyEditUpdate, MsgTextUpdate, true},
+};
+
+// The kind of each scroll code, in the order of the codes.
+constexpr int32_t sliderKinds[] = {
+    MsgSliderLineUp, MsgSliderLineDown, MsgSliderPageUp, MsgSliderPageDown, MsgSliderThumbPosition,
+    MsgSliderTrack,  MsgSliderTop,      MsgSliderBottom, MsgSliderEndTrack,
+};
+
+} // namespace
+
+bool Offscreen_ButtonImp::Create(Window* parent, const Rect& rect, int32_t id) {
+    return CreateControl(*GetOwner(), parent, ControlClassButton, StyleTabStop, rect, id);
+}
+
+bool Offscreen_ButtonImp::IsPushed() {
+    auto* button = dynamic_cast<OffscreenButton*>(GetNative());
+    return button != nullptr && button->checkState == CheckStateChecked;
+}
+
+bool Offscreen_ButtonImp::Attach(OffscreenWindow* window) {
+    return IsOfClass(window, ControlClassButton) && Offscreen_WindowImp::Attach(window);
+}
+
+OffscreenButton* Offscreen_CheckBoxImp::GetButton() const {
+    return dynamic_cast<OffscreenButton*>(GetNative());
+}
+
+int32_t Offscreen_CheckBoxImp::GetState() {
+    OffscreenButton* button = GetButton();
+    if (button == nullptr) {
+        return CheckStateUnchecked;
+    }
+    bool plain =
+        button->checkState == CheckStateUnchecked || button->checkState == CheckStateChecked;
+    return plain ? button->checkState : CheckStateIndeterminate;
+}
+
+void Offscreen_CheckBoxImp::SetState(int32_t state) {
+    OffscreenButton* button = GetButton();
+    bool known = state == CheckStateChecked || state == CheckStateIndeterminate;
+    int32_t wanted = known ? state : CheckStateUnchecked;
+    if (button == nullptr || GetState() == wanted) {
+        return;
+    }
+    button->checkState = wanted;
+    button->needsPaint = true;
+    if (auto* checkBox = dynamic_cast<CheckBox*>(GetOwner())) {
+        checkBox->OnStateChanged();
+    }
+}
+
+bool Offscreen_CheckBoxImp::Create(Window* parent, const Rect& rect, int32_t id) {
+    return CreateControl(*GetOwner(), parent, ControlClassButton, StyleCheckBox, rect, id);
+}
+
+bool Offscreen_CheckBoxImp::Attach(OffscreenWindow* window) {
+    return IsOfClass(window, ControlClassButton) && Offscreen_WindowImp::Attach(window);
+}
+
+NotificationAnswer
+Offscreen_CheckBoxImp::TranslateNotification(const NativeNotification& notification,
+                                             NotificationTranslation& out) {
+    auto* checkBox = dynamic_cast<CheckBox*>(GetOwner());
+    if (notification.code == NotifyClicked && checkBox != nullptr) {
+        checkBox->OnClicked();
+    }
+    return WindowImp::TranslateNotification(notification, out);
+}
+
+OffscreenEdit* Offscreen_EditBoxImp::GetEdit() const {
+    return dynamic_cast<OffscreenEdit*>(GetNative());
+}
+
+bool Offscreen_EditBoxImp::Create(Window* parent, const Rect& rect) {
+    return CreateControl(*GetOwner(), parent, ControlClassEdit, StyleBorder | StyleTabStop, rect,
+                         -1);
+}
+
+void Offscreen_EditBoxImp::AppendText(const loam::String& text) {
+    if (OffscreenEdit* edit = GetEdit()) {
+        int32_t end = edit->text.GetLength();
+        edit->Select(end, end);
+        edit->ReplaceSelection(text);
+    }
+}
+
+void Offscreen_EditBoxImp::InsertText(const loam::String& text, bool moveCaret) {
+    OffscreenEdit* edit = GetEdit();
+    if (edit == nullptr) {
+        return;
+    }
+    if (!HasFocus()) {
+        edit->Select(savedStart, savedEnd);
+    }
+    int32_t caret = edit->selectionStart + text.GetLength();
+    edit->ReplaceSelection(text);
+    if (!moveCaret || GetEdit() == nullptr) {
+        return;
+    }
+    SetFocus();
+    if (OffscreenEdit* focused = GetEdit()) {
+        focused->Select(caret, caret);
+    }
+}
+
+int32_t Offscreen_EditBoxImp::GetCaret() {
+    OffscreenEdit* edit = GetEdit();
+    return edit != nullptr ? edit->selectionStart : 0;
+}
+
+void Offscreen_EditBoxImp::SetCaret(int32_t position) {
+    if (OffscreenEdit* edit = GetEdit()) {
+        edit->Select(position, position);
+    }
+}
+
+bool Offscreen_EditBoxImp::GetSelection(int32_t* start, int32_t* end) {
+    OffscreenEdit* edit = GetEdit();
+    if (edit == nullptr || edit->selectionStart == edit->selectionEnd) {
+        return false;
+    }
+    if (start != nullptr) {
+        *start = edit->selectionStart;
+    }
+    if (end != nullptr) {
+        *end = edit->selectionEnd;
+    }
+    return true;
+}
+
+bool Offscreen_EditBoxImp::SetSelection(int32_t start, int32_t end) {
+    OffscreenEdit* edit = GetEdit();
+    if (edit == nullptr || end <= start) {
+        return false;
+    }
+    edit->Select(start, end);
+    return true;
+}
+
+void Offscreen_EditBoxImp::ClearSelection() {
+    if (OffscreenEdit* edit = GetEdit()) {
+        edit->Select(0, 0);
+    }
+}
+
+void Offscreen_EditBoxImp::SetTextColour(const Colour& colour) {
+    if (OffscreenEdit* edit = GetEdit()) {
+        edit->textColour = colour;
+        edit->needsPaint = true;
+    }
+}
+
+void Offscreen_EditBoxImp::SetBackColour(const Colour& colour) {
+    if (OffscreenEdit* edit = GetEdit()) {
+        edit->backColour = colour;
+        edit->needsPaint = true;
+    }
+}
+
+void Offscreen_EditBoxImp::ResetTextColour() {
+    if (OffscreenEdit* edit = GetEdit()) {
+        edit->textColour.reset();
+        edit->needsPaint = true;
+    }
+}
+
+void Offscreen_EditBoxImp::ResetBackColour() {
+    if (OffscreenEdit* edit = GetEdit()) {
+        edit->backColour.reset();
+        edit->needsPaint = true;
+    }
+}
+
+bool Offscreen_EditBoxImp::Attach(OffscreenWindow* window) {
+    return IsOfClass(window, ControlClassEdit) && Offscreen_WindowImp::Attach(window);
+}
+
+NotificationAnswer
+Offscreen_EditBoxImp::TranslateNotification(const NativeNotification& notification,
+                                            NotificationTranslation& out) {
+    for (const EditNotification& entry : editNotifications) {
+        if (entry.code == notification.code) {
+            out.kind = entry.kind;
+            if (entry.carriesId) {
+                out.parameter = notification.id;
+            }
+            return AnswerDispatch;
+        }
+    }
+    return AnswerDefault;
+}
+
+bool Offscreen_EditBoxImp::WindowProc(const OffscreenMessage& message) {
+    OffscreenEdit* edit = GetEdit();
+    if (message.kind == OffscreenMessageKind::KillFocus && edit != nullptr) {
+        savedStart = edit->selectionStart;
+        savedEnd = edit->selectionEnd;
+    }
+    return Offscreen_WindowImp::WindowProc(message);
+}
+
+OffscreenTrackBar* Offscreen_SliderImp::GetTrackBar() const {
+    return dynamic_cast<OffscreenTrackBar*>(GetNative());
+}
+
+bool Offscreen_SliderImp::Create(Window* parent, const Rect& rect) {
+    return CreateControl(*GetOwner(), parent, ControlClassTrackBar, StyleBorder | StyleTabStop,
+                         rect, -1);
+}
+
+void Offscreen_SliderImp::SetRange(int32_t minimum, int32_t maximum) {
+    if (OffscreenTrackBar* bar = GetTrackBar()) {
+        bar->SetRange(minimum, maximum);
+    }
+}
+
+void Offscreen_SliderImp::GetRange(int32_t& minimum, int32_t& maximum) {
+    OffscreenTrackBar* bar = GetTrackBar();
+    minimum = bar != nullptr ? bar->rangeMin : 0;
+    maximum = bar != nullptr ? bar->rangeMax : 0;
+}
+
+void Offscreen_SliderImp::SetPos(int32_t position) {
+    if (OffscreenTrackBar* bar = GetTrackBar()) {
+        bar->SetPosition(position);
+    }
+}
+
+int32_t Offscreen_SliderImp::GetPos() {
+    OffscreenTrackBar* bar = GetTrackBar();
+    return bar != nullptr ? bar->position : 0;
+}
+
+bool Offscreen_SliderImp::Attach(OffscreenWindow* window) {
+    return IsOfClass(window, ControlClassTrackBar) && Offscreen_WindowImp::Attach(window);
+}
+
+NotificationAnswer
+Offscreen_SliderImp::TranslateNotification(const NativeNotification& notification,
+                                           NotificationTranslation& out) {
+    if (notification.code != NotifyScroll || notification.word >= std::size(sliderKinds)) {
+        return AnswerDefault;
+    }
+    out.kind = sliderKinds[notification.word];
+    return AnswerDispatch;
+}
+
+void Offscreen_ProgressBarImp::SetRange(int32_t minimum, int32_t maximum) {
+    rangeMin = minimum;
+    rangeMax = maximum;
+}
+
+void Offscreen_ProgressBarImp::SetPos(int32_t value) {
+    auto* bar = dynamic_cast<OffscreenProgressBar*>(GetNative());
+    std::optional<int32_t> position = ScaleProgress(value, rangeMin, rangeMax);
+    if (bar != nullptr && position) {
+        bar->position = *position;
+        bar->needsPaint = true;
+    }
+}
+
+bool Offscreen_ProgressBarImp::Create(Window* parent, const Rect& rect, int32_t id) {
+    return CreateControl(*GetOwner(), parent, ControlClassProgressBar, StyleBorder | StyleTabStop,
+                         rect, id);
+}
+
+bool Offscreen_ProgressBarImp::Attach(OffscreenWindow* window) {
+    return IsOfClass(window, ControlClassProgressBar) && Offscreen_WindowImp::Attach(window);
+}
+
+} // namespace quilt

@@ -1,0 +1,97 @@
+#pragma once
+
+#include "quilt/button.h"
+#include "quilt/check_box.h"
+#include "quilt/edit_box.h"
+#include "quilt/offscreen/offscreen_controls.h"
+#include "quilt/offscreen/offscreen_window_imp.h"
+#include "quilt/progress_bar.h"
+#include "quilt/slider.h"
+
+#include <cstdint>
+
+namespace quilt {
+
+// Each control Imp adopts only a native window of its own class.
+
+class Offscreen_ButtonImp : public ButtonImp, public Offscreen_WindowImp {
+public:
+    using Offscreen_WindowImp::Create;
+    bool Create(Window* parent, const Rect& rect, int32_t id) override;
+    bool IsPushed() override;
+    bool Attach(OffscreenWindow* window) override;
+};
+
+class Offscreen_CheckBoxImp : public CheckBoxImp, public Offscreen_WindowImp {
+public:
+    using Offscreen_WindowImp::Create;
+    int32_t GetState() override;
+    void SetState(int32_t state) override;
+    bool Create(Window* parent, const Rect& rect, int32_t id) override;
+    bool Attach(OffscreenWindow* window) override;
+    // A click reaches the check box before its dialog.
+    NotificationAnswer TranslateNotification(const NativeNotification& notification,
+                                             NotificationTranslation& out) override;
+
+private:
+    OffscreenButton* GetButton() const;
+};
+
+class Offscreen_EditBoxImp : public EditBoxImp, public Offscreen_WindowImp {
+public:
+    using Offscreen_WindowImp::Create;
+    bool Create(Window* parent, const Rect& rect) override;
+    void AppendText(const loam::String& text) override;
+    void InsertText(const loam::String& text, bool moveCaret) override;
+    int32_t GetCaret() override;
+    void SetCaret(int32_t position) override;
+    bool GetSelection(int32_t* start, int32_t* end) override;
+    bool SetSelection(int32_t start, int32_t end) override;
+    void ClearSelection() override;
+    void SetTextColour(const Colour& colour) override;
+    void SetBackColour(const Colour& colour) override;
+    void ResetTextColour() override;
+    void ResetBackColour() override;
+    bool Attach(OffscreenWindow* window) override;
+    NotificationAnswer TranslateNotification(const NativeNotification& notification,
+                                             NotificationTranslation& out) override;
+    // Keeps the selection that the box had when it lost the focus.
+    bool WindowProc(const OffscreenMessage& message) override;
+
+private:
+    OffscreenEdit* GetEdit() const;
+
+    int32_t savedStart = 0;
+    int32_t savedEnd = 0;
+};
+
+class Offscreen_SliderImp : public SliderImp, public Offscreen_WindowImp {
+public:
+    using Offscreen_WindowImp::Create;
+    bool Create(Window* parent, const Rect& rect) override;
+    void SetRange(int32_t minimum, int32_t maximum) override;
+    void GetRange(int32_t& minimum, int32_t& maximum) override;
+    void SetPos(int32_t position) override;
+    int32_t GetPos() override;
+    bool Attach(OffscreenWindow* window) override;
+    NotificationAnswer TranslateNotification(const NativeNotification& notification,
+                                             NotificationTranslation& out) override;
+
+private:
+    OffscreenTrackBar* GetTrackBar() const;
+};
+
+class Offscreen_ProgressBarImp : public ProgressBarImp, public Offscreen_WindowImp {
+public:
+    using Offscreen_WindowImp::Create;
+    void SetRange(int32_t minimum, int32_t maximum) override;
+    void SetPos(int32_t value) override;
+    bool Create(Window* parent, const Rect& rect, int32_t id) override;
+    bool Attach(OffscreenWindow* window) override;
+
+private:
+    int32_t rangeMin = 0;
+    int32_t rangeMax = 100;
+};
+
+} // namespace quilt

@@ -1,0 +1,95 @@
+#pragma once
+
+#include "loam/string.h"
+#include "quilt/colour.h"
+#include "quilt/offscreen/offscreen_desktop.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+namespace quilt {
+
+// What a control tells its parent in a Notify message.
+enum OffscreenNotifyCode : int32_t {
+    NotifyClicked = 0,
+    NotifyEditSetFocus = 0x100,
+    NotifyEditKillFocus = 0x200,
+    NotifyEditChange = 0x300,
+    NotifyEditUpdate = 0x400,
+    NotifyScroll = 0x114, // the detail is an OffscreenScrollCode
+};
+
+enum OffscreenScrollCode : uint32_t {
+    ScrollLineUp = 0,
+    ScrollLineDown = 1,
+    ScrollPageUp = 2,
+    ScrollPageDown = 3,
+    ScrollThumbPosition = 4,
+    ScrollThumbTrack = 5,
+    ScrollTop = 6,
+    ScrollBottom = 7,
+    ScrollEndTrack = 8,
+};
+
+// Tells the control's parent window what happened to it.
+void NotifyParent(OffscreenWindow& control, int32_t code, uint32_t detail = 0);
+
+// A push button, check box or group box, by its style.
+struct OffscreenButton : OffscreenWindow {
+    using OffscreenWindow::OffscreenWindow;
+
+    void DefaultHandling(const OffscreenMessage& message) override;
+    bool IsPushButton() const;
+    // What a click does: an automatic check box toggles, then the parent hears of the click.
+    // The button may be gone when this returns.
+    void Click();
+
+    int32_t checkState = 0;
+};
+
+struct OffscreenEdit : OffscreenWindow {
+    using OffscreenWindow::OffscreenWindow;
+
+    void DefaultHandling(const OffscreenMessage& message) override;
+    // New text puts the caret at its start.
+    void SetNativeText(const loam::String& newText) override;
+    int32_t GetNativeDialogCode(KeyEventKind kind, int32_t value) const override;
+    // Held within the text, start before end.
+    void Select(int32_t start, int32_t end);
+    // The caret goes behind the new text; the parent hears of the update and the change.
+    void ReplaceSelection(const loam::String& replacement);
+
+    int32_t selectionStart = 0;
+    int32_t selectionEnd = 0;
+    std::optional<Colour> textColour;
+    std::optional<Colour> backColour;
+};
+
+struct OffscreenTrackBar : OffscreenWindow {
+    using OffscreenWindow::OffscreenWindow;
+
+    void DefaultHandling(const OffscreenMessage& message) override;
+    int32_t GetNativeDialogCode(KeyEventKind kind, int32_t value) const override;
+    void SetRange(int32_t minimum, int32_t maximum);
+    // Held within the range.
+    void SetPosition(int32_t value);
+
+    int32_t rangeMin = 0;
+    int32_t rangeMax = 100;
+    int32_t position = 0;
+};
+
+// Its range is always 0 to 65535.
+struct OffscreenProgressBar : OffscreenWindow {
+    using OffscreenWindow::OffscreenWindow;
+
+    int32_t position = 0;
+};
+
+// A native window of the class that `className` names, without regard to case; a class that
+// has no behaviour of its own gets a plain window.
+std::unique_ptr<OffscreenWindow> MakeOffscreenWindow(const char* className, uint32_t style,
+                                                     OffscreenWindow* parent);
+
+} // namespace quilt

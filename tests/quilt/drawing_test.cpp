@@ -1,0 +1,367 @@
+#include "quilt/gc.h"
+
+#include "quilt/dialog_units.h"
+#include "quilt/font.h"
+#include "quilt/offscreen/offscreen_driver.h"
+#include "quilt/offscreen/offscreen_gc_imp.h"
+#include "quilt/size_grip.h"
+#include "test_application.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+namespace {
+
+using quilt::Colour;
+using quilt::GC;
+using quilt::OffscreenDrawing;
+using quilt::OffscreenDrawingKind;
+using quilt::OffscreenDrawingRecorder;
+using quilt::Rect;
+using quilt::Window;
+
+std::string Describe(const Rect& rect) {
+    return std::to_string(rect.left) + "," + std::to_string(rect.top) + "," +
+           std::to_string(rect.right) + "," + std::to_string(rect.bottom);
+}
+
+TEST(ColourTest, NativeWordHoldsRedInTheLowByte) {
+    struct ColourCase {
+        Colour colour;
+        uint32_t native;
+    };
+    const ColourCase cases[] = {
+        {Colour(255, 0, 0), 0x0000FF},
+        {Colour(0, 0, 255), 0xFF0000},
+        {Colour(1, 2, 3), 0x030201},
+        {quilt::White, 0xFFFFFF},
+        {Colour(), 0},
+    };
+    for (const ColourCase& test : cases) {
+        EXPECT_EQ(test.colour.ToNative(), test.native);
+        EXPECT_EQ(Colour::FromNative(test.native), test.colour);
+    }
+    EXPECT_EQ(Colour::FromNative(0xAA030201), Colour(1, 2, 3));
+}
+
+TEST(FontTest, OffscreenFontsAreTwicePointsHighAndPointsWide) {
+    struct FontCase {
+        int32_t points;
+        bool created;
+        int32_t height;
+        int32_t width;
+    };
+    const FontCase cases[] = {
+        {8, true, 16, 8},  {12, true, 24, 12}, {1, true, 2, 1},      {1000, true, 2000, 1000},
+        {0, false, 16, 8}, {-3, false, 16, 8}, {1001, false, 16, 8},
+    };
+    for (const FontCase& test : cases) {
+        quilt::Font font;
+        EXPECT_EQ(font.Create(loam::String("Any Face"), test.points, quilt::FontWeightBold),
+                  test.created)
+            << test.points;
+        EXPECT_EQ(font.GetHeight(), test.height) << test.points;
+        EXPECT_EQ(font.GetAverageWidth(), test.width) << test.points;
+        EXPECT_EQ(font.GetPointSize(), test.height / 2) << test.points;
+    }
+}
+
+TEST(DialogUnitsTest, DialogFontUnitsAreTwoPixelsAndOthersRoundHalvesAway) {
+    quilt::DialogUnits dialog = quilt::DialogUnits::OfDialogFont();
+    EXPECT_EQ(Describe(dialog.ToPixels(Rect{7, 7, 179, 41})), "14,14,358,82");
+    EXPECT_EQ(dialog.ToPixelsX(50), 100);
+    EXPECT_EQ(dialog.ToPixelsY(14), 28);
+
+    quilt::DialogUnits classic(6, 13);
+    struct UnitCase {
+        int32_t units;
+        int32_t x;
+        int32_t y;
+    };
+    const UnitCase cases[] = {
+        {50, 75, 81}, {14, 21, 23}, {1, 2, 2}, {-1, -2, -2}, {4, 6, 7}, {0, 0, 0},
+    };
+    for (const UnitCase& test : cases) {
+        EXPECT_EQ(classic.ToPixelsX(test.units), test.x) << test.units;
+        EXPECT_EQ(classic.ToPixelsY(test.units), test.y) << test.units;
+    }
+}
+
+TEST(MeasureTextTest, TextIsMeasuredByTheOffscreenModel) {
+    struct MeasureCase {
+        const char* name;
+        const char* text;
+        uint32_t flags;
+        int32_t width; // of the rectangle given
+        int32_t measuredWidth;
+        int32_t measuredHeight;
+    };
+    const uint32_t wrap = quilt::TextWordBreak;
+    const MeasureCase cases[] = {
+        {"one line", "Hello", 0, 1000, 40, 16},
+        {"ampersand is a byte", "&File", 0, 1000, 40, 16},
+        {"empty", "", 0, 1000, 0, 0},
+        {"empty single line", "", quilt::TextSingleLine, 1000, 0, 16},
+        {"empty wrapped", "", wrap, 80, 80, 0},
+        {"line ends of each kind", "a\nbcd\r\nef\rg", 0, 1000, 24, 64},
+        {"line end at the end", "abc\n", 0, 1000, 24, 16},
+        {"empty last line", "abc\n\n", 0, 1000, 24, 32},
+        {"line end alone", "\r\n", 0, 1000, 0, 16},
+        {"single line keeps line ends", "a\nb", quilt::TextSingleLine, 1000, 24, 16},
+        {"short wrapped", "Hello", wrap, 80, 80, 16},
+        {"wraps at blanks", "The quick brown fox jumps", wrap, 80, 80, 48},
+        {"word fills a line", "abcde fghij", wrap, 40, 40, 32},
+        {"blanks at a break vanish", "abc      def", wrap, 40, 40, 32},
+        {"long word breaks", "abcdefghijkl", wrap, 40, 40, 48},
+        {"long word starts a line", "ab abcdefghijkl", wrap, 40, 40, 64},
+        {"line ends and wrapping", "aaa bbb\nccc", wrap, 40, 40, 48},
+        {"narrower than a byte", "abc", wrap, 3, 3, 48},
+        {"trailing blanks", "abc   ", wrap, 40, 40, 16},
+    };
+    GC gc;
+    for (const MeasureCase& test : cases) {
+        Rect rect{10, 20, 10 + test.width, 500};
+        gc.MeasureText(loam::String(test.text), test.flags, rect);
+        EXPECT_EQ(Describe(rect),
+                  Describe(Rect{10, 20, 10 + test.measuredWidth, 20 + test.measuredHeight}))
+            << test.name;
+    }
+}
+
+TEST(MeasureTextTest, SelectedFontSetsTheMeasure) {
+    quilt::Font font;
+    ASSERT_TRUE(font.Create(loam::String("Any Face"), 12));
+    GC gc;
+    gc.SetFont(&font);
+    Rect rect;
+    gc.MeasureText(loam::String("ab"), 0, rect);
+    EXPECT_EQ(Describe(rect), "0,0,24,24");
+    gc.ClearFont();
+    gc.MeasureText(loam::String("ab"), 0, rect);
+    EXPECT_EQ(Describe(rect), "0,0,16,16");
+}
+
+TEST(MeasureTextTest, AHugeWordWrapsInLinearTime) {
+    loam::String word(std::string(1000000, 'x').c_str());
+    GC gc;
+    Rect rect{0, 0, 8, 0};
+    gc.MeasureText(word, quilt::TextWordBreak, rect);
+    EXPECT_EQ(rect.bottom, 16000000);
+}
+
+class DrawingTest : public testing::Test {
+protected:
+    DrawingTest() {
+        window.Create(nullptr, quilt::WindowKindTop, nullptr);
+        window.SetClientRect(Rect{0, 0, 300, 200});
+    }
+
+    quilt::OffscreenDriver driver;
+    TestApplication application;
+    Window window;
+    OffscreenDrawingRecorder recorder;
+};
+
+TEST_F(DrawingTest, ANewContextDrawsBlackOnWhiteWithATransparentBackground) {
+    GC gc(window);
+    ASSERT_TRUE(gc.IsAttached());
+    gc.MoveTo(0, 0);
+    gc.LineTo(10, 10);
+    ASSERT_EQ(recorder.GetDrawings().size(), 1u);
+    const quilt::GCState& state = recorder.GetDrawings()[0].state;
+    EXPECT_EQ(state.penStyle, quilt::PenSolid);
+    EXPECT_EQ(state.penColour, quilt::Black);
+    EXPECT_EQ(state.penWidth, 1);
+    EXPECT_EQ(state.brushColour, quilt::White);
+    EXPECT_EQ(state.backMode, quilt::BackModeTransparent);
+    EXPECT_EQ(state.textColour, quilt::Black);
+    EXPECT_EQ(state.font, nullptr);
+}
+
+TEST_F(DrawingTest, PoppedStatesComeBackAndAnUnmatchedPopChangesNothing) {
+    GC gc(window);
+    gc.PushState();
+    gc.SetPenColour(Colour(1, 2, 3));
+    EXPECT_EQ(gc.SetTextColour(Colour(4, 5, 6)), quilt::Black);
+    gc.PopState();
+    EXPECT_EQ(gc.GetState().penColour, quilt::Black);
+    EXPECT_EQ(gc.GetState().textColour, quilt::Black);
+    gc.SetPenWidth(3);
+    gc.PopState();
+    EXPECT_EQ(gc.GetState().penWidth, 3);
+}
+
+TEST_F(DrawingTest, TextIsPlacedAsThePlatformDrawsIt) {
+    struct TextCase {
+        const char* name;
+        const char* text;
+        Rect rect;
+        uint32_t flags;
+        Rect drawnIn;
+        uint32_t drawnFlags;
+    };
+    const uint32_t centred = quilt::TextCenter | quilt::TextVCenter | quilt::TextWordBreak;
+    const TextCase cases[] = {
+        {"wrapped text is centred by hand",
+         "one two",
+         {0, 0, 80, 100},
+         centred,
+         {0, 42, 80, 58},
+         centred | quilt::TextNoPrefix},
+        {"taller text starts at the top",
+         "aaa bbb ccc",
+         {0, 0, 40, 20},
+         centred,
+         {0, 0, 40, 48},
+         centred | quilt::TextNoPrefix},
+        {"a centred line is a single line",
+         "a&b",
+         {5, 5, 100, 50},
+         quilt::TextVCenter,
+         {5, 5, 100, 50},
+         quilt::TextVCenter | quilt::TextSingleLine | quilt::TextNoPrefix},
+        {"plain", "a&b", {5, 5, 100, 50}, 0, {5, 5, 100, 50}, quilt::TextNoPrefix},
+    };
+    GC gc(window);
+    for (const TextCase& test : cases) {
+        recorder.Clear();
+        gc.DrawTextInRect(loam::String(test.text), test.rect, test.flags);
+        ASSERT_EQ(recorder.GetDrawings().size(), 1u) << test.name;
+        const OffscreenDrawing& drawn = recorder.GetDrawings()[0];
+        EXPECT_EQ(Describe(drawn.rect), Describe(test.drawnIn)) << test.name;
+        EXPECT_EQ(drawn.flags, test.drawnFlags) << test.name;
+        EXPECT_TRUE(drawn.text == test.text) << test.name;
+        EXPECT_EQ(drawn.window, &window) << test.name;
+    }
+}
+
+TEST_F(DrawingTest, ScrolledCoordinatesAreMovedByTheOrigin) {
+    window.ShowScrollBars(quilt::ScrollBarHorizontal | quilt::ScrollBarVertical);
+    window.SetScrollPos(quilt::ScrollBarHorizontal, 30);
+    window.SetScrollPos(quilt::ScrollBarVertical, 100);
+    GC gc(window);
+    gc.UpdateOrigin();
+    gc.DrawRect(Rect{30, 100, 60, 150}, quilt::DrawFill);
+    gc.DrawTextAt(loam::String("abc"), 40, 110);
+    Rect clip;
+    ASSERT_TRUE(gc.GetClipRect(clip));
+    EXPECT_EQ(Describe(clip), "30,100,330,300");
+    ASSERT_EQ(recorder.GetDrawings().size(), 2u);
+    EXPECT_EQ(Describe(recorder.GetDrawings()[0].rect), "0,0,30,50");
+    EXPECT_EQ(Describe(recorder.GetDrawings()[1].rect), "10,10,34,26");
+}
+
+TEST_F(DrawingTest, AContextWithoutAWindowDrawsNothing) {
+    Window uncreated;
+    GC gc(uncreated);
+    EXPECT_FALSE(gc.IsAttached());
+    gc.DrawTextInRect(loam::String("text"), Rect{0, 0, 100, 100}, 0);
+    gc.DrawEdge(Rect{0, 0, 10, 10}, quilt::EdgeSunkenOuter);
+    Rect clip;
+    EXPECT_FALSE(gc.GetClipRect(clip));
+    EXPECT_TRUE(recorder.GetDrawings().empty());
+}
+
+class PaintingWindow : public Window {
+public:
+    bool OnPaint() override {
+        quilt::RedrawGC gc(*this);
+        gc.GetClipRect(clip);
+        gc.DrawEdge(clip, quilt::EdgeSunkenOuter);
+        return true;
+    }
+    Rect clip;
+};
+
+TEST_F(DrawingTest, ARepaintDrawsInTheWholeClientArea) {
+    PaintingWindow painting;
+    painting.Create(nullptr, quilt::WindowKindTop, nullptr);
+    painting.SetClientRect(Rect{0, 0, 120, 80});
+    painting.Show(quilt::ShowModeShow);
+    driver.PumpMessages();
+    std::vector<OffscreenDrawing> edges = recorder.GetDrawings(OffscreenDrawingKind::Edge);
+    ASSERT_EQ(edges.size(), 1u);
+    EXPECT_EQ(edges[0].window, &painting);
+    EXPECT_EQ(Describe(edges[0].rect), "0,0,120,80");
+}
+
+TEST(SizeGripTest, TheGripTakesTheBottomRightCorner) {
+    const std::pair<Rect, Rect> cases[] = {
+        {{0, 0, 300, 200}, {284, 184, 300, 200}},
+        {{10, 20, 110, 220}, {94, 204, 110, 220}},
+        {{0, 0, 8, 8}, {-8, -8, 8, 8}},
+    };
+    for (const auto& [client, grip] : cases) {
+        EXPECT_EQ(Describe(quilt::SizeGrip::GetGripRect(client)), Describe(grip));
+    }
+}
+
+TEST_F(DrawingTest, TheGripSitsDisabledInTheCornerAndFollowsTheSize) {
+    window.Show(quilt::ShowModeShow);
+    quilt::SizeGrip grip;
+    ASSERT_TRUE(grip.CreateInCorner(window));
+    EXPECT_EQ(grip.GetId(), quilt::SizeGrip::ControlId);
+    EXPECT_FALSE(driver.IsEnabled(grip));
+    Rect rect;
+    grip.GetRect(rect);
+    EXPECT_EQ(Describe(rect), "284,184,300,200");
+    grip.MoveToCorner(400, 250);
+    grip.GetRect(rect);
+    EXPECT_EQ(Describe(rect), "384,234,400,250");
+
+    quilt::SizeGrip orphan;
+    Window uncreated;
+    EXPECT_FALSE(orphan.CreateInCorner(uncreated));
+}
+
+TEST_F(DrawingTest, WithoutAThemeTheGripDrawsClassicRidges) {
+    window.Show(quilt::ShowModeShow);
+    quilt::SizeGrip grip;
+    ASSERT_TRUE(grip.CreateInCorner(window));
+    driver.PumpMessages();
+    std::vector<OffscreenDrawing> lines = recorder.GetDrawings(OffscreenDrawingKind::Line);
+    ASSERT_EQ(lines.size(), 9u);
+    for (const OffscreenDrawing& line : lines) {
+        EXPECT_EQ(line.window, &grip);
+        EXPECT_GE(line.rect.left, 0);
+        EXPECT_LE(line.rect.right, quilt::SizeGrip::Width);
+        EXPECT_GE(line.rect.bottom, 0);
+        EXPECT_LT(line.rect.top, quilt::SizeGrip::Height);
+    }
+    EXPECT_EQ(lines.front().state.penColour, Colour(128, 128, 128));
+    EXPECT_EQ(lines.back().state.penColour, quilt::White);
+
+    recorder.Clear();
+    GC gc(window);
+    quilt::PaintSizeGrip(gc, Rect{0, 0, 8, 8}, Rect{0, 0, 8, 8});
+    EXPECT_EQ(recorder.GetDrawings(OffscreenDrawingKind::Line).size(), 6u);
+    EXPECT_EQ(gc.GetState().penColour, quilt::Black);
+}
+
+// A context on a desktop whose theme draws every part.
+class ThemedGCImp : public quilt::Offscreen_GCImp {
+public:
+    explicit ThemedGCImp(Rect* target) : drawn(target) {}
+
+protected:
+    bool PaintThemedPart(quilt::ThemedPart, const Rect& rect, const Rect&) override {
+        *drawn = rect;
+        return true;
+    }
+
+private:
+    Rect* drawn;
+};
+
+TEST_F(DrawingTest, WithAThemeTheGripIsTheThemesAlone) {
+    Rect themed;
+    GC gc(std::make_unique<ThemedGCImp>(&themed));
+    ASSERT_TRUE(gc.GetImp()->Attach(window));
+    quilt::PaintSizeGrip(gc, Rect{0, 0, 16, 16}, Rect{0, 0, 16, 16});
+    EXPECT_EQ(Describe(themed), "0,0,16,16");
+    EXPECT_TRUE(recorder.GetDrawings().empty());
+}
+
+} // namespace
