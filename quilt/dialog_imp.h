@@ -71,6 +71,8 @@ public:
     virtual void MapDialogRect(Rect& rect) = 0;
     // The portable dialog is going away: the end of its native window must not delete it.
     virtual void OnOwnerDestroyed() = 0;
+    // False in a headless run: nobody is at the screen to answer a modal dialog.
+    virtual bool IsUserPresent() { return true; }
 };
 
 // How much taller a dialog must get so that none of its controls covers the size grip: the

@@ -1,5 +1,7 @@
 #include "quilt/job_worker.h"
 
+#include "quilt/application.h"
+
 namespace quilt {
 
 void JobController::SetProgressRange(uint32_t) {}
@@ -13,7 +15,7 @@ bool JobController::IsCancelled() {
 }
 
 Window* JobController::GetWindow() {
-    return nullptr;
+    return Application::GetMainWindow();
 }
 
 void JobWorker::JobClosed(JobController*) {}

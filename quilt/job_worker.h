@@ -16,6 +16,7 @@ public:
     virtual void SetProgress(int32_t percent);
     virtual void Refresh();
     virtual bool IsCancelled();
+    // The window that the job's own questions belong to: the application's main window.
     virtual Window* GetWindow();
 };
 
@@ -33,6 +34,20 @@ public:
 
     // Runs the slices one after another, with no window, until the job stops answering 1.
     void RunToEnd(JobController* controller);
+};
+
+// Lets an object with a worker inside it be driven as if it were one.
+class JobWorkerWrapper : public JobWorker {
+public:
+    explicit JobWorkerWrapper(JobWorker* wrapped) : worker(wrapped) {}
+
+    int32_t RunSlice(JobController* controller, int32_t* percent) override {
+        return worker->RunSlice(controller, percent);
+    }
+    void JobClosed(JobController* controller) override { worker->JobClosed(controller); }
+
+private:
+    JobWorker* worker;
 };
 
 } // namespace quilt

@@ -172,6 +172,7 @@ public:
     // Called for each modal dialog as its run starts; a test acts in it from here.
     using ModalHook = std::function<void(OffscreenWindow&)>;
     void SetModalHook(ModalHook hook) { modalHook = std::move(hook); }
+    bool HasModalHook() const { return static_cast<bool>(modalHook); }
 
     // Destroys every window and drops every event and timer.
     void Reset();

@@ -1,0 +1,82 @@
+#include "app/build_index_window.h"
+
+#include "app/resources/sorvanta_templates.h"
+#include "app/sorvanta_app.h"
+#include "loam/error.h"
+#include "quilt/timer.h"
+#include "quilt/window_imp.h"
+
+BuildIndexWindow::BuildIndexWindow() : Dialog(DialogResource(DialogRebuildIndex), nullptr) {}
+
+BuildIndexWindow::~BuildIndexWindow() {
+    DiscardBuild();
+}
+
+void BuildIndexWindow::OnInitDialog() {
+    Dialog::OnInitDialog();
+    folderLine.BindToControl(this, RebuildFolderLine);
+    quilt::Timer::StartWindowTimer(true, TickInterval, *this);
+    SetShowState(quilt::ShowStateMinimised);
+}
+
+bool BuildIndexWindow::OnTimer(uint32_t id) {
+    if (builder == nullptr) {
+        StartBuild();
+    } else {
+        ShowProgress(id);
+    }
+    return true;
+}
+
+void BuildIndexWindow::OnCancel() {
+    DiscardBuild();
+    Dialog::OnCancel();
+}
+
+// Opening the file empties it: from here on the previous index is gone.
+void BuildIndexWindow::StartBuild() {
+    // The ticks go on under the report of a failed attempt; one report at a time.
+    if (loam::GetErrorState().IsReporting()) {
+        return;
+    }
+    if (indexFile == nullptr) {
+        indexFile = std::make_unique<loam::DiskFile>();
+    }
+    if (!indexFile->OpenFile(SorvantaApp::GetIndexFile(), loam::FileModeWrite)) {
+        loam::ReportError();
+        // Nobody could fix the cause and the ticks would report it for ever.
+        if (!GetDialogImp()->IsUserPresent()) {
+            OnCancel();
+        }
+        return;
+    }
+    writer = std::make_unique<BinaryFileIndexWriter>(indexFile.get());
+    builder = std::make_unique<VolumeIndexBuilder>(nullptr);
+    builder->Start(writer.get());
+}
+
+void BuildIndexWindow::ShowProgress(uint32_t timerId) {
+    loam::FileSpec folder;
+    if (builder->IsRunning(&folder)) {
+        loam::String text;
+        folder.GetPathWithSeparator(text, loam::NativeSeparator);
+        folderLine.SetContent(text);
+        return;
+    }
+    quilt::Timer::Stop(timerId);
+    OnCancel();
+}
+
+// The writer closes the file without sealing it; the builder goes last, as it still points at
+// the writer it was given.
+void BuildIndexWindow::DiscardBuild() {
+    if (builder != nullptr && builder->IsRunning(nullptr)) {
+        builder->Stop();
+    }
+    writer.reset();
+    if (indexFile != nullptr && indexFile->IsOpen()) {
+        indexFile->Close();
+    }
+    indexFile.reset();
+    builder.reset();
+}

@@ -1,0 +1,5 @@
+#include "app/sorvanta_app.h"
+
+quilt::Application* CreateApplication() {
+    return new SorvantaApp;
+}

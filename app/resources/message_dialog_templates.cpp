@@ -1,0 +1,5 @@
+#include "app/resources/message_dialog_templates.h"
+
+void RegisterMessageDialogTemplates() {
+    quilt::RegisterDialogTemplates(MessageDialogTemplates);
+}

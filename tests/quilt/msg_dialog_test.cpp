@@ -1,0 +1,343 @@
+#include "app/resources/message_dialog_templates.h"
+#include "loam/error.h"
+#include "loam/resource.h"
+#include "quilt/dialog.h"
+#include "quilt/error_dialog.h"
+#include "quilt/gc_imp.h"
+#include "quilt/msg_dialog.h"
+#include "quilt/offscreen/offscreen_driver.h"
+#include "quilt/offscreen/offscreen_gc_imp.h"
+#include "quilt/question_dialog.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+using quilt::Dialog;
+using quilt::OffscreenDriver;
+using quilt::Rect;
+
+namespace {
+
+// The offscreen dialog font makes a dialog unit 2 by 2 pixels and a line of text 16 pixels
+// high, each byte 8 pixels wide. The alert's template is 372 by 142 pixels, its text 344 by 68.
+constexpr int32_t AlertWidth = 372;
+constexpr int32_t AlertHeight = 142;
+constexpr int32_t AlertTextHeight = 68;
+constexpr Rect AlertOk{136, 100, 236, 128};
+constexpr int32_t LineHeight = 16;
+constexpr int32_t Margin = 8;
+
+constexpr loam::StringTableEntry strings[] = {
+    {119, "&Yes"},
+    {120, "&No"},
+    {131, "Search failed"},
+};
+
+void RegisterMessageDialogs() {
+    quilt::RegisterDialogTemplates(MessageDialogTemplates);
+    loam::RegisterStringTable(strings, static_cast<int>(std::size(strings)));
+    quilt::AlertDialog::SetTemplate({loam::ResourceKindDialog, AlertDialogId}, AlertTextId,
+                                    AlertOkId);
+    quilt::QuestionDialog::SetTemplate({loam::ResourceKindDialog, QuestionDialogId}, QuestionTextId,
+                                       QuestionFirstButtonId, QuestionSecondButtonId);
+}
+
+class MsgDialogTest : public ::testing::Test {
+protected:
+    void SetUp() override { RegisterMessageDialogs(); }
+
+    OffscreenDriver driver;
+};
+
+TEST_F(MsgDialogTest, AnAlertFitsItsHeightToTheTextAndGrowsSixteenPixelsWide) {
+    struct Case {
+        const char* text;
+        int32_t lines;
+    };
+    const std::string longText(200, 'x');
+    const Case cases[] = {
+        {"Done", 1},
+        // 43 bytes fit in a line of 344 pixels.
+        {"The quick brown fox jumps over the lazy dog and then runs far away into the woods, "
+         "where nobody will ever find it again, not even the hunter with his hounds and horn.",
+         4},
+        {longText.c_str(), 5},
+        {"one\ntwo\nthree\nfour\nfive\nsix", 6},
+    };
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.text);
+        Rect frame;
+        Rect ok;
+        driver.OnNextModal([&](Dialog& dialog) {
+            frame = driver.GetScreenRect(dialog);
+            ok = driver.GetControlRect(dialog, AlertOkId);
+            EXPECT_FALSE(driver.IsControlVisible(dialog, AlertTextId));
+            EXPECT_EQ(driver.GetText(dialog), "Title");
+            driver.PressReturn(dialog);
+        });
+        quilt::ShowAlert(loam::String("Title"), loam::String(test.text));
+
+        int32_t dy = test.lines * LineHeight + 2 * Margin - AlertTextHeight;
+        EXPECT_EQ(frame.GetWidth(), AlertWidth + 16);
+        EXPECT_EQ(frame.GetHeight(), AlertHeight + dy);
+        EXPECT_TRUE(ok.Equals(
+            Rect{AlertOk.left + 8, AlertOk.top + dy, AlertOk.right + 8, AlertOk.bottom + dy}));
+        EXPECT_EQ(driver.GetWaitingModalActions(), 0u);
+    }
+}
+
+TEST_F(MsgDialogTest, AnAlertPaintsItsTextCentredInsideAFrame) {
+    quilt::OffscreenDrawingRecorder recorder;
+    // Return waits until the dialog has been painted once.
+    driver.OnNextModal([&](Dialog& dialog) { driver.PressReturn(dialog, driver.Now() + 10); });
+    quilt::ShowAlert(loam::String("Title"), loam::String("Done"));
+
+    auto texts = recorder.GetDrawings(quilt::OffscreenDrawingKind::Text);
+    auto edges = recorder.GetDrawings(quilt::OffscreenDrawingKind::Edge);
+    ASSERT_FALSE(texts.empty());
+    ASSERT_FALSE(edges.empty());
+    EXPECT_EQ(texts.back().text, "Done");
+    EXPECT_TRUE(texts.back().rect.Equals(Rect{22, 22, 366, 38}));
+    EXPECT_EQ(texts.back().flags & 0x15u, 0x15u);
+    EXPECT_TRUE(edges.back().rect.Equals(Rect{14, 14, 374, 46}));
+    EXPECT_EQ(edges.back().flags, quilt::EdgeSunkenOuter);
+}
+
+// Asks with the button texts and clicks the button at `answer`, reading the row on the way.
+class QuestionTest : public MsgDialogTest {
+protected:
+    int32_t Ask(std::vector<const char*> texts, int32_t answer, int32_t& clientWidth,
+                std::vector<Rect>& buttons) {
+        driver.OnNextModal([&, answer](Dialog& dialog) {
+            clientWidth = driver.GetScreenRect(dialog).GetWidth();
+            // The template's two buttons, then those made by code with free ids from 1000 on.
+            std::vector<int32_t> ids{QuestionFirstButtonId, QuestionSecondButtonId};
+            for (int32_t id = 1000; id < 1009; ++id) {
+                if (driver.FindControl(dialog, id) != nullptr) {
+                    ids.push_back(id);
+                }
+            }
+            for (size_t index = 0; index < ids.size(); ++index) {
+                buttons.push_back(driver.GetControlRect(dialog, ids[index]));
+                EXPECT_EQ(driver.GetControlText(dialog, ids[index]), texts[index]);
+            }
+            driver.Click(dialog, ids[answer]);
+        });
+        texts.push_back(nullptr);
+        quilt::Question question(loam::String("Title"), loam::String("Go on?"));
+        return question.Ask(texts.data());
+    }
+};
+
+TEST_F(QuestionTest, TheButtonRowFitsItsTextsAndStaysCentred) {
+    struct Case {
+        std::vector<const char*> texts;
+        int32_t clientWidth;
+        std::vector<int32_t> widths;
+    };
+    // The template's buttons are 100 pixels wide with a gap of 32, the text 344 wide; the dialog
+    // always grows by 16 for the text's margins.
+    const Case cases[] = {
+        {{"&Yes", "&No"}, 372 + 16, {100, 100}},
+        {{"&Yes", "Increase the limit"}, 372 + 16, {100, 18 * 8 + 16}},
+        // 3 buttons of 100 and 2 gaps are 20 pixels more than the text.
+        {{"One", "Two", "Three"}, 372 + 20 + 16, {100, 100, 100}},
+    };
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.texts.back());
+        int32_t clientWidth = 0;
+        std::vector<Rect> buttons;
+        auto last = static_cast<int32_t>(test.texts.size()) - 1;
+        EXPECT_EQ(Ask(test.texts, last, clientWidth, buttons), last);
+
+        EXPECT_EQ(clientWidth, test.clientWidth);
+        ASSERT_EQ(buttons.size(), test.widths.size());
+        for (size_t index = 0; index < buttons.size(); ++index) {
+            EXPECT_EQ(buttons[index].GetWidth(), test.widths[index]);
+            // The one-line text takes 52 pixels off the template's height, and the row moves up.
+            EXPECT_EQ(buttons[index].top, 122 - 52);
+            if (index > 0) {
+                EXPECT_EQ(buttons[index].left - buttons[index - 1].right, 32);
+            }
+        }
+        EXPECT_EQ(buttons.front().left + buttons.back().right, clientWidth);
+    }
+}
+
+TEST_F(QuestionTest, OnlyAButtonEndsAQuestion) {
+    driver.OnNextModal([&](Dialog& dialog) {
+        driver.PressEscape(dialog);
+        driver.PostClose(dialog);
+        driver.RunFor(0);
+        EXPECT_NE(driver.FindDialog(QuestionDialogId), nullptr);
+        driver.Click(dialog, QuestionSecondButtonId, driver.Now() + 100);
+    });
+    const loam::ResourceId buttons[] = {loam::StringResource(119), loam::StringResource(120), {}};
+    quilt::Question question(loam::StringResource(131), loam::StringResource(131));
+    EXPECT_EQ(question.Ask(buttons).id, 120);
+}
+
+class ErrorDialogTest : public MsgDialogTest {
+protected:
+    void SetUp() override {
+        MsgDialogTest::SetUp();
+        loam::ClearErrors();
+    }
+    void TearDown() override {
+        loam::GetErrorState().SetReporter(nullptr);
+        loam::ClearErrors();
+    }
+
+    // Newest first, as the user sees them.
+    void PushErrors(loam::ErrorStack& stack, std::vector<const char*> messages) {
+        for (auto message = messages.rbegin(); message != messages.rend(); ++message) {
+            stack.Push(new loam::ErrorInfo(loam::ErrorGeneral, loam::SeverityError, *message,
+                                           nullptr, nullptr, 0));
+        }
+    }
+};
+
+TEST_F(ErrorDialogTest, TheReporterShowsTheNewestErrorAndTheStackIsGoneAfterwards) {
+    loam::GetErrorState().SetReporter(new quilt::QuiltErrorReporter(MessageErrorDialogIds));
+    loam::RaiseError(loam::ErrorGeneral, "oldest");
+    loam::RaiseError(loam::ErrorNotFound, "middle");
+    loam::RaiseError(loam::ErrorCannotOpen, "newest");
+
+    loam::String title;
+    loam::String message;
+    bool canStep = true;
+    driver.OnNextModal([&](Dialog& dialog) {
+        title = driver.GetText(dialog);
+        message = static_cast<quilt::ErrorDialog&>(dialog).GetError()->GetMessage();
+        canStep = driver.FindControl(dialog, 1006) != nullptr ||
+                  driver.FindControl(dialog, 1008) != nullptr;
+        EXPECT_FALSE(driver.IsControlVisible(dialog, 1003));
+        driver.PressReturn(dialog);
+    });
+    loam::ReportError();
+
+    EXPECT_EQ(title, "Error");
+    EXPECT_EQ(message, "newest");
+    EXPECT_FALSE(canStep);
+    EXPECT_EQ(loam::GetCurrentErrorCode(), loam::ErrorNone);
+}
+
+TEST_F(ErrorDialogTest, AReportRaisedWhileAReportIsUpWaitsForTheNextReport) {
+    loam::GetErrorState().SetReporter(new quilt::QuiltErrorReporter(MessageErrorDialogIds));
+    loam::RaiseError(loam::ErrorGeneral, "first");
+    driver.OnNextModal([&](Dialog& dialog) {
+        loam::RaiseError(loam::ErrorNotFound, "during");
+        loam::ReportError();
+        driver.PressReturn(dialog);
+    });
+    driver.OnNextModal([&](Dialog& dialog) { driver.PressReturn(dialog); });
+    loam::ReportError();
+
+    EXPECT_EQ(driver.GetWaitingModalActions(), 1u);
+    EXPECT_EQ(loam::GetCurrentErrorCode(), loam::ErrorNotFound);
+}
+
+TEST_F(ErrorDialogTest, TheHeadlineNamesTheSeverityWhereTheTemplateHasOne) {
+    struct Case {
+        uint32_t severity;
+        const char* sourceFile;
+        bool debug;
+        const char* headline;
+    };
+    const Case cases[] = {
+        {loam::SeverityError, nullptr, false, "An error has occurred."},
+        {loam::SeverityCritical, nullptr, false, "A critical error has occurred."},
+        {loam::SeverityTerminal, nullptr, false,
+         "A terminal error has occured.  The program must now exit."},
+        {7, nullptr, false, ""},
+        {loam::SeverityTerminal, "walk.cpp", true,
+         "A terminal error has occurred.  The program must now exit.  (walk.cpp, at line 12)"},
+        {loam::SeverityError, nullptr, true,
+         "An error has occurred. (source location of error unknown)"},
+    };
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.headline);
+        loam::ErrorInfo error(loam::ErrorGeneral, test.severity, "broken", nullptr, test.sourceFile,
+                              12);
+        loam::String headline;
+        driver.OnNextModal([&](Dialog& dialog) {
+            headline = driver.GetControlText(dialog, 1004);
+            driver.PressEscape(dialog);
+        });
+        const loam::ResourceId debugTemplate = MessageErrorDialogIds.debugDialog;
+        if (test.debug) {
+            quilt::ErrorDialog_Dbg dialog(debugTemplate, &error, &MessageErrorDialogIds, nullptr);
+            EXPECT_EQ(dialog.RunModal(true), quilt::IdCancel);
+        } else {
+            quilt::ErrorDialog dialog(debugTemplate, &error, &MessageErrorDialogIds, nullptr);
+            EXPECT_EQ(dialog.RunModal(true), quilt::IdCancel);
+        }
+        EXPECT_EQ(headline, test.headline);
+    }
+}
+
+TEST_F(ErrorDialogTest, MoreInfoAndBackStepThroughTheStack) {
+    loam::ErrorStack stack;
+    PushErrors(stack, {"newest", "middle", "oldest"});
+    struct Step {
+        int32_t click; // 0: none
+        const char* message;
+        bool back;
+        bool moreInfo;
+    };
+    const Step steps[] = {
+        {0, "newest", false, true},    {1006, "middle", true, true}, {1006, "oldest", true, false},
+        {1006, "oldest", true, false}, {1008, "middle", true, true}, {1008, "newest", false, true},
+    };
+    driver.OnNextModal([&](Dialog& dialog) {
+        auto& shown = static_cast<quilt::ErrorDialog&>(dialog);
+        for (const Step& step : steps) {
+            SCOPED_TRACE(step.message);
+            if (step.click != 0) {
+                driver.Click(dialog, step.click);
+                driver.PumpMessages();
+            }
+            EXPECT_EQ(shown.GetError()->GetMessage(), step.message);
+            EXPECT_EQ(driver.GetControlText(dialog, 1003), step.message);
+            EXPECT_EQ(driver.IsControlVisible(dialog, 1008), step.back);
+            EXPECT_EQ(driver.IsControlVisible(dialog, 1006), step.moreInfo);
+        }
+        driver.Click(dialog, 1002);
+    });
+    quilt::ErrorDialog dialog(MessageErrorDialogIds.debugDialog, stack.GetTop(),
+                              &MessageErrorDialogIds, nullptr);
+    EXPECT_EQ(dialog.RunModal(true), 1002);
+}
+
+// No driver: nobody is at the screen, as in a headless run.
+class HeadlessMessageTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        RegisterMessageDialogs();
+        loam::ClearErrors();
+    }
+    void TearDown() override {
+        loam::GetErrorState().SetReporter(nullptr);
+        loam::ClearErrors();
+    }
+};
+
+TEST_F(HeadlessMessageTest, MessagesGoToStandardErrorAndQuestionsTakeTheirDefault) {
+    testing::internal::CaptureStderr();
+    quilt::ShowAlert(loam::String("Index not available"), loam::String("There is no index."));
+    const char* buttons[] = {"&Yes", "&No", nullptr};
+    quilt::Question question(loam::String("Too many results..."), loam::String("Raise it?"));
+    int32_t answer = question.Ask(buttons);
+    loam::GetErrorState().SetReporter(new quilt::QuiltErrorReporter(MessageErrorDialogIds));
+    loam::RaiseError(loam::ErrorCannotOpen, "Could not open the index.");
+    loam::ReportError();
+    std::string printed = testing::internal::GetCapturedStderr();
+
+    EXPECT_EQ(answer, 0);
+    EXPECT_EQ(printed, "Index not available\nThere is no index.\nCould not open the index.\n");
+    EXPECT_EQ(loam::GetCurrentErrorCode(), loam::ErrorNone);
+}
+
+} // namespace

@@ -1,0 +1,212 @@
+#include "quilt/dialog.h"
+#include "quilt/dialog_template.h"
+#include "quilt/job_worker.h"
+#include "quilt/offscreen/offscreen_driver.h"
+#include "quilt/progress_bar.h"
+#include "quilt/progress_dialog.h"
+#include "test_application.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <vector>
+
+using quilt::Dialog;
+using quilt::OffscreenDriver;
+using quilt::ProgressDialog;
+using quilt::Rect;
+
+namespace {
+
+// The bar is made without an id of its own, so it gets a free one: it is found by its class.
+quilt::OffscreenWindow* FindBar(OffscreenDriver& driver, Dialog& dialog) {
+    for (const auto& child : driver.GetNative(dialog)->children) {
+        if (child->className == quilt::ControlClassProgressBar) {
+            return child.get();
+        }
+    }
+    return nullptr;
+}
+
+int32_t GetBarPosition(OffscreenDriver& driver, Dialog& dialog) {
+    return driver.GetProgressPosition(dialog, FindBar(driver, dialog)->id);
+}
+
+// A job of `slices` slices, each of which takes `sliceTime` ms of the virtual clock and moves the
+// percentage on by `step`.
+class CountingWorker : public quilt::JobWorker {
+public:
+    CountingWorker(OffscreenDriver& clockDriver, int32_t sliceCount, uint32_t milliseconds)
+        : driver(clockDriver), slices(sliceCount), sliceTime(milliseconds) {}
+
+    int32_t RunSlice(quilt::JobController* controller, int32_t* percent) override {
+        starts.push_back(driver.Now());
+        driver.AdvanceClock(sliceTime);
+        *percent += step;
+        if (duringSlice) {
+            duringSlice(*controller);
+        }
+        return static_cast<int32_t>(starts.size()) < slices ? 1 : 0;
+    }
+    void JobClosed(quilt::JobController* controller) override {
+        ++closed;
+        closedCancelled = controller->IsCancelled();
+    }
+
+    OffscreenDriver& driver;
+    int32_t slices;
+    uint32_t sliceTime;
+    int32_t step = 1;
+    std::function<void(quilt::JobController&)> duringSlice;
+    std::vector<uint32_t> starts;
+    int32_t closed = 0;
+    bool closedCancelled = false;
+};
+
+class ProgressDialogTest : public ::testing::Test {
+protected:
+    OffscreenDriver driver;
+    TestApplication application;
+};
+
+TEST_F(ProgressDialogTest, AJobThatEndsWithinTheGraceShowsNothing) {
+    CountingWorker worker(driver, 9, 30);
+    quilt::JobWorkerWrapper wrapper(&worker);
+    bool shown = false;
+    driver.OnNextModal([&](Dialog&) { shown = true; });
+    uint32_t start = driver.Now();
+
+    ProgressDialog dialog(&wrapper, loam::String("Searching..."), &application.GetWindow());
+    EXPECT_TRUE(dialog.RunWithBarNoCancel());
+
+    EXPECT_FALSE(shown);
+    quilt::JobController plain;
+    EXPECT_EQ(plain.GetWindow(), &application.GetWindow());
+    ASSERT_EQ(worker.starts.size(), 9u);
+    // Back to back, with no pause between the slices.
+    for (size_t index = 0; index < worker.starts.size(); ++index) {
+        EXPECT_EQ(worker.starts[index], start + 30 * index);
+    }
+}
+
+TEST_F(ProgressDialogTest, ALongerJobGetsTheDialogAndOneSlicePerTick) {
+    CountingWorker worker(driver, 20, 30);
+    worker.step = 7;
+    std::vector<int32_t> barPositions;
+    worker.duringSlice = [&](quilt::JobController& controller) {
+        if (Dialog* dialog = driver.GetModalDialog()) {
+            barPositions.push_back(GetBarPosition(driver, *dialog));
+            EXPECT_EQ(controller.GetWindow(), dialog);
+        }
+    };
+    loam::String title;
+    driver.OnNextModal([&](Dialog& dialog) { title = driver.GetText(dialog); });
+    uint32_t start = driver.Now();
+
+    ProgressDialog dialog(&worker, loam::String("Searching..."), &application.GetWindow());
+    EXPECT_TRUE(dialog.RunWithBarNoCancel());
+
+    EXPECT_EQ(title, "Searching...");
+    ASSERT_EQ(worker.starts.size(), 20u);
+    // Ten slices of 30 ms fill the grace; the rest wait for the ticks.
+    EXPECT_EQ(worker.starts[9], start + 270);
+    for (size_t index = 10; index < worker.starts.size(); ++index) {
+        EXPECT_GE(worker.starts[index] - worker.starts[index - 1], ProgressDialog::TickInterval);
+    }
+    // The bar shows the percentage of the grace's last slice only after the first tick, and
+    // stops at the top when the job runs over 100.
+    ASSERT_GE(barPositions.size(), 3u);
+    EXPECT_EQ(barPositions[0], 0);
+    EXPECT_EQ(barPositions[1], quilt::ScaleProgress(77, 0, 100));
+    EXPECT_EQ(barPositions.back(), quilt::ProgressNativeMaximum);
+}
+
+TEST_F(ProgressDialogTest, TheRunFormsShowTheirBarAndButton) {
+    struct Case {
+        bool (ProgressDialog::*run)();
+        bool hasBar;
+        bool hasButton;
+        Rect button;
+        int32_t height;
+    };
+    // A button is 50 by 14 dialog units: 100 by 28 pixels offscreen.
+    const Case cases[] = {
+        {&ProgressDialog::RunWithBarNoCancel, true, false, Rect{}, 28 + 6},
+        {&ProgressDialog::RunWithBar, true, true, Rect{100, 40, 200, 68}, 28 + 28 + 12},
+        {&ProgressDialog::RunNoBar, false, true, Rect{100, 6, 200, 34}, 28 - 6 + 12},
+    };
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.height);
+        CountingWorker worker(driver, 100, 100);
+        Rect client;
+        Rect bar;
+        bool hasBar = false;
+        bool hasButton = false;
+        Rect button;
+        driver.OnNextModal([&](Dialog& dialog) {
+            dialog.GetClientRect(client);
+            quilt::OffscreenWindow* found = FindBar(driver, dialog);
+            hasBar = found != nullptr;
+            bar = found != nullptr ? found->rect : Rect{};
+            hasButton = driver.FindControl(dialog, quilt::IdCancel) != nullptr;
+            button = driver.GetControlRect(dialog, quilt::IdCancel);
+            driver.PressEscape(dialog);
+        });
+        ProgressDialog dialog(&worker, loam::String("Moving..."), nullptr);
+        EXPECT_FALSE((dialog.*test.run)());
+
+        EXPECT_EQ(client.GetWidth(), 300);
+        EXPECT_EQ(client.GetHeight(), test.height);
+        EXPECT_EQ(hasBar, test.hasBar);
+        if (test.hasBar) {
+            EXPECT_TRUE(bar.Equals(Rect{6, 6, 294, 34}));
+        }
+        EXPECT_EQ(hasButton, test.hasButton);
+        EXPECT_TRUE(button.Equals(test.button));
+        EXPECT_EQ(worker.closed, 1);
+    }
+}
+
+TEST_F(ProgressDialogTest, CancelDuringASliceThatServesMessagesStopsTheJob) {
+    CountingWorker worker(driver, 1000, 20);
+    std::vector<bool> cancelledSeen;
+    worker.duringSlice = [&](quilt::JobController& controller) {
+        controller.SetProgress(50);
+        cancelledSeen.push_back(controller.IsCancelled());
+        if (controller.IsCancelled()) {
+            worker.slices = 0;
+        }
+    };
+    driver.OnNextModal(
+        [&](Dialog& dialog) { driver.Click(dialog, quilt::IdCancel, driver.Now() + 60); });
+
+    ProgressDialog dialog(&worker, loam::String("Moving..."), nullptr);
+    EXPECT_FALSE(dialog.RunWithBar());
+
+    // The click arrives inside the first tick's slice, through its SetProgress.
+    ASSERT_EQ(worker.starts.size(), cancelledSeen.size());
+    EXPECT_TRUE(cancelledSeen.back());
+    EXPECT_EQ(std::count(cancelledSeen.begin(), cancelledSeen.end(), true), 1);
+    EXPECT_EQ(worker.closed, 1);
+    EXPECT_TRUE(worker.closedCancelled);
+}
+
+TEST_F(ProgressDialogTest, ADialogEndedByReturnGetsNoMoreTicks) {
+    CountingWorker worker(driver, 1000, 10);
+    driver.OnNextModal([&](Dialog& dialog) { driver.PressReturn(dialog, driver.Now() + 120); });
+    {
+        ProgressDialog dialog(&worker, loam::String("Searching..."), &application.GetWindow());
+        // Return ends the dialog as done, with the job unfinished.
+        EXPECT_TRUE(dialog.RunWithBarNoCancel());
+        size_t slices = worker.starts.size();
+        EXPECT_LT(slices, 1000u);
+
+        driver.RunFor(1000);
+        EXPECT_EQ(worker.starts.size(), slices);
+        EXPECT_EQ(worker.closed, 0);
+    }
+    driver.RunFor(1000);
+    EXPECT_FALSE(driver.HasQuit());
+}
+
+} // namespace
