@@ -16,6 +16,7 @@ constexpr OffscreenMessageKind userInputKinds[] = {
     OffscreenMessageKind::Char,       OffscreenMessageKind::MouseDown,
     OffscreenMessageKind::MouseUp,    OffscreenMessageKind::MouseDoubleClick,
     OffscreenMessageKind::MouseWheel, OffscreenMessageKind::ThumbDrag,
+    OffscreenMessageKind::Activate,
 };
 
 constexpr OffscreenMessageKind keyKinds[] = {
@@ -207,7 +208,6 @@ void OffscreenDesktop::SetFocus(OffscreenWindow* window) {
         Send(previous, OffscreenMessage{OffscreenMessageKind::KillFocus});
     }
     if (OffscreenWindow* gaining = Find(handle)) {
-        NoteUserInput(0);
         Send(gaining, OffscreenMessage{OffscreenMessageKind::SetFocus});
     }
 }

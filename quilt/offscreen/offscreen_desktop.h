@@ -40,6 +40,9 @@ enum class OffscreenMessageKind {
     Notify,
     // The user drags a slider's thumb to the position in `value`.
     ThumbDrag,
+    // The user switches to the window, which takes the focus. A focus the program moves itself
+    // is no user input; this is.
+    Activate,
 };
 
 struct OffscreenMessage {

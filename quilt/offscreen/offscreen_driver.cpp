@@ -109,6 +109,10 @@ void OffscreenDriver::PostClose(Window& window, std::optional<uint32_t> at) {
     Post(window, OffscreenMessage{OffscreenMessageKind::Close}, at);
 }
 
+void OffscreenDriver::PostActivate(Window& window, std::optional<uint32_t> at) {
+    Post(window, OffscreenMessage{OffscreenMessageKind::Activate}, at);
+}
+
 OffscreenDriver::RunEnd OffscreenDriver::Run(const std::function<bool()>& condition,
                                              uint32_t limit) {
     Application* application = Application::GetCurrent();

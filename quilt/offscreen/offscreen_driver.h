@@ -67,6 +67,8 @@ public:
     void PostMouseWheel(Window& window, int32_t delta, std::optional<uint32_t> at = {});
     // The close box of the window's frame.
     void PostClose(Window& window, std::optional<uint32_t> at = {});
+    // The user switches to the window, which takes the focus.
+    void PostActivate(Window& window, std::optional<uint32_t> at = {});
 
     // Runs the current application's main loop until it comes to rest: it quit, or it waits and
     // no event can come. False when `limit` ms of clock time passed first.

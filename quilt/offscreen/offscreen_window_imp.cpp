@@ -24,6 +24,7 @@ const Offscreen_WindowImp::Route Offscreen_WindowImp::routes[] = {
     {OffscreenMessageKind::Move, &Offscreen_WindowImp::RouteMove},
     {OffscreenMessageKind::Size, &Offscreen_WindowImp::RouteSize},
     {OffscreenMessageKind::SetFocus, &Offscreen_WindowImp::RouteSetFocus},
+    {OffscreenMessageKind::Activate, &Offscreen_WindowImp::RouteActivate},
     {OffscreenMessageKind::KillFocus, &Offscreen_WindowImp::RouteKillFocus},
     {OffscreenMessageKind::Paint, &Offscreen_WindowImp::RoutePaint},
     {OffscreenMessageKind::Close, &Offscreen_WindowImp::RouteClose},
@@ -407,6 +408,11 @@ bool Offscreen_WindowImp::RouteSize(const OffscreenMessage& message) {
 
 bool Offscreen_WindowImp::RouteSetFocus(const OffscreenMessage&) {
     return GetOwner()->OnSetFocus();
+}
+
+bool Offscreen_WindowImp::RouteActivate(const OffscreenMessage&) {
+    GetOffscreenDesktop().SetFocus(native);
+    return true;
 }
 
 bool Offscreen_WindowImp::RouteKillFocus(const OffscreenMessage&) {

@@ -77,6 +77,7 @@ private:
     bool RouteMove(const OffscreenMessage& message);
     bool RouteSize(const OffscreenMessage& message);
     bool RouteSetFocus(const OffscreenMessage& message);
+    bool RouteActivate(const OffscreenMessage& message);
     bool RouteKillFocus(const OffscreenMessage& message);
     bool RoutePaint(const OffscreenMessage& message);
     bool RouteClose(const OffscreenMessage& message);

@@ -85,7 +85,7 @@ TEST(MainLoopInputTest, UserInputMovesTheNextRoundButPointerMotionDoesNot) {
     }
 }
 
-TEST_F(MainLoopTest, FocusGainCountsAsUserInput) {
+TEST_F(MainLoopTest, FocusTheUserGivesIsInputButFocusTheProgramMovesIsNot) {
     RunFirstRound();
     struct FocusWindow : Window {
         bool OnTimer(uint32_t) override {
@@ -95,7 +95,8 @@ TEST_F(MainLoopTest, FocusGainCountsAsUserInput) {
     } window;
     window.Create(nullptr, quilt::WindowKindTop, nullptr);
     window.Show(quilt::ShowModeShow);
-    quilt::Timer::StartWindowTimer(false, 1500, window);
+    driver.PostActivate(application.GetWindow(), start + 1500);
+    quilt::Timer::StartWindowTimer(false, 2500, window);
     ASSERT_TRUE(RunUntilIdleCalls(2));
     EXPECT_TRUE(driver.HasFocus(window));
     EXPECT_EQ(idle.times[1], start + 1500 + 2050);
