@@ -6,6 +6,7 @@
 
 #include <ctime>
 #include <string>
+#include <tuple>
 
 namespace {
 
@@ -28,25 +29,19 @@ TEST(DateTimeTest, FileTimeCountsWholeSecondsFrom1970) {
 }
 
 TEST(DateTimeTest, FormatShowsLocalTimeOfTheZone) {
-    struct Case {
-        const char* zone;
-        int32_t seconds;
-        std::string format;
-        std::string text;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, int32_t, std::string, std::string> cases[] = {
         {"UTC0", 946684800, "%d/%m/%y %H:%M", "01/01/00 00:00"},
         {"JST-9", 946684800, "%d/%m/%y %H:%M", "01/01/00 09:00"},
         {"EST5", 0, "%d/%m/%y %H:%M", "31/12/69 19:00"},
         {"UTC0", 0, std::string(255, 'y'), std::string(255, 'y')},
         {"UTC0", 0, std::string(300, 'x'), ""},
     };
-    for (const Case& c : cases) {
-        ScopedEnvironment tz("TZ", c.zone);
+    for (const auto& [zone, seconds, format, text] : cases) {
+        ScopedEnvironment tz("TZ", zone);
         tzset();
         loam::String out("untouched");
-        DateTime(c.seconds).Format(out, c.format.c_str());
-        EXPECT_EQ(out.GetCString(), c.text) << c.zone;
+        DateTime(seconds).Format(out, format.c_str());
+        EXPECT_EQ(out.GetCString(), text) << zone;
     }
     tzset();
 }

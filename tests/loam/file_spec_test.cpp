@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 namespace {
 
@@ -47,23 +48,17 @@ TEST(FileSpecTest, RelativeToMatchesLeadingBytesWithoutRegardToCase) {
 }
 
 TEST(FileSpecTest, AppendKeepsTheComponentAndAppendPathDropsItsLeadingSeparators) {
-    struct Case {
-        const char* path;
-        const char* component;
-        const char* appended;
-        const char* appendedPath;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, const char*, const char*, const char*> cases[] = {
         {"", "x", "x", "x"},          {"/a", "x", "/a/x", "/a/x"},
         {"/a/", "x", "/a/x", "/a/x"}, {"/a", "//x/y", "/a///x/y", "/a/x/y"},
         {"/a", "", "/a/", "/a"},
     };
-    for (const Case& c : cases) {
-        FileSpec append(c.path), appendPath(c.path);
-        append.Append(c.component);
-        appendPath.AppendPath(c.component);
-        EXPECT_EQ(Text(append), c.appended) << c.path << " + " << c.component;
-        EXPECT_EQ(Text(appendPath), c.appendedPath) << c.path << " + " << c.component;
+    for (const auto& [path, component, appended, appendedPath] : cases) {
+        FileSpec append(path), appendPath(path);
+        append.Append(component);
+        appendPath.AppendPath(component);
+        EXPECT_EQ(Text(append), appended) << path << " + " << component;
+        EXPECT_EQ(Text(appendPath), appendedPath) << path << " + " << component;
     }
 }
 

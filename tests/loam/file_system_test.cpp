@@ -4,10 +4,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cerrno>
-#include <cstring>
 #include <string>
 #include <sys/stat.h>
+#include <tuple>
 #include <unistd.h>
 #include <utime.h>
 #include <vector>
@@ -49,20 +48,15 @@ TEST_F(FileSystemTest, KindSizeAndTimeOfWhatAPathNames) {
     MakeFolder("folder");
     ASSERT_EQ(symlink(Path("folder").c_str(), Path("link").c_str()), 0);
     ASSERT_EQ(symlink(Path("gone").c_str(), Path("dangling").c_str()), 0);
-    struct Case {
-        const char* name;
-        FileKind kind;
-        uint32_t size;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, FileKind, uint32_t> cases[] = {
         {"file", loam::FileKindFile, 5},      {"folder", loam::FileKindFolder, 0},
         {"folder/", loam::FileKindFolder, 0}, {"link", loam::FileKindFolder, 0},
         {"dangling", loam::FileKindNone, 0},  {"missing", loam::FileKindNone, 0},
         {"file/", loam::FileKindFile, 5},
     };
-    for (const Case& c : cases) {
-        EXPECT_EQ(Spec(c.name).GetKind(), c.kind) << c.name;
-        EXPECT_EQ(Spec(c.name).GetFileSize(), c.size) << c.name;
+    for (const auto& [name, kind, size] : cases) {
+        EXPECT_EQ(Spec(name).GetKind(), kind) << name;
+        EXPECT_EQ(Spec(name).GetFileSize(), size) << name;
     }
     EXPECT_EQ(FileSpec().GetKind(), loam::FileKindNone);
     EXPECT_EQ(loam::GetCurrentErrorCode(), loam::ErrorNone);
@@ -107,26 +101,22 @@ TEST_F(FileSystemTest, FolderTreeIsMadeTopFirstAndNotThroughAFile) {
 }
 
 TEST_F(FileSystemTest, CopyReportsEveryFullBufferButNotTheLastPass) {
-    struct Case {
-        size_t size;
-        std::vector<uint32_t> progress;
-    };
-    const Case cases[] = {
+    const std::tuple<size_t, std::vector<uint32_t>> cases[] = {
         {0, {}},
         {1, {}},
         {65536, {65536}},
         {65537, {65536}},
         {3 * 65536 + 5, {65536, 131072, 196608}},
     };
-    for (const Case& c : cases) {
-        std::string content(c.size, '\0');
-        for (size_t i = 0; i < c.size; ++i)
+    for (const auto& [size, progress] : cases) {
+        std::string content(size, '\0');
+        for (size_t i = 0; i < size; ++i)
             content[i] = static_cast<char>(i % 251);
         MakeFile("source", content);
         RecordingHandler handler;
-        ASSERT_TRUE(Spec("source").Copy(Spec("copy"), false, &handler)) << c.size;
-        EXPECT_EQ(handler.progress, c.progress) << c.size;
-        EXPECT_TRUE(ReadWhole("copy") == content) << c.size;
+        ASSERT_TRUE(Spec("source").Copy(Spec("copy"), false, &handler)) << size;
+        EXPECT_EQ(handler.progress, progress) << size;
+        EXPECT_TRUE(ReadWhole("copy") == content) << size;
         ASSERT_TRUE(Spec("copy").Delete());
     }
 }
@@ -158,25 +148,6 @@ TEST_F(FileSystemTest, CancelledCopyLeavesNoDestinationAndTheHandlersErrorOnTop)
     EXPECT_EQ(handler.progress, (std::vector<uint32_t>{65536, 131072}));
     EXPECT_FALSE(Exists("copy"));
     ExpectError(loam::ErrorGeneral, "Cancelled by the user.");
-}
-
-TEST(SystemErrorTest, ErrorsAreRaisedByMeaningWithTheSystemsText) {
-    const std::pair<int, uint32_t> cases[] = {
-        {ENOENT, loam::ErrorNotFound},      {ENOTDIR, loam::ErrorNotFound},
-        {EACCES, loam::ErrorAccessDenied},  {EPERM, loam::ErrorAccessDenied},
-        {EEXIST, loam::ErrorAlreadyExists}, {ENOSPC, loam::ErrorCannotMake},
-        {EROFS, loam::ErrorCannotMake},     {EMLINK, loam::ErrorCannotMake},
-        {ENOTEMPTY, loam::ErrorGeneral},    {EIO, loam::ErrorGeneral},
-    };
-    for (const auto& [error, code] : cases) {
-        errno = error;
-        EXPECT_FALSE(loam::RaiseLastSystemError());
-        const loam::ErrorInfo& raised = loam::GetCurrentErrorInfo();
-        EXPECT_EQ(raised.GetCode(), code) << error;
-        EXPECT_EQ(raised.GetSeverity(), loam::SeverityError);
-        EXPECT_STREQ(raised.GetMessage().GetCString(), std::strerror(error));
-        loam::ClearErrors();
-    }
 }
 
 TEST_F(FileSystemTest, ApplicationHomeFolderIsMadePrivateUnderTheDataHomeOrFails) {

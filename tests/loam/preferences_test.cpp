@@ -2,43 +2,28 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
+#include "scratch_folder.h"
+
 #include <functional>
-#include <sstream>
-#include <string>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <tuple>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
 
 namespace {
 
-class PreferencesTest : public ::testing::Test {
+class PreferencesTest : public ScratchFolderTest {
 protected:
     void SetUp() override {
-        std::string pattern = (fs::temp_directory_path() / "prefs_test_XXXXXX").string();
-        ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-        folder = pattern;
-        ::setenv("XDG_CONFIG_HOME", folder.c_str(), 1);
+        ScratchFolderTest::SetUp();
         loam::SetPreferenceLocation("Wendlemark", "Sorvanta");
     }
-    void TearDown() override {
-        ::unsetenv("XDG_CONFIG_HOME");
-        fs::remove_all(folder);
-    }
 
-    std::string StorePath() const { return folder + "/Wendlemark/Sorvanta.conf"; }
-    std::string ReadStore() const {
-        std::ifstream in(StorePath(), std::ios::binary);
-        std::ostringstream text;
-        text << in.rdbuf();
-        return text.str();
-    }
+    std::string StorePath() const { return Path("config/Wendlemark/Sorvanta.conf"); }
     void WriteStore(const std::string& bytes) const {
-        fs::create_directories(folder + "/Wendlemark");
+        fs::create_directories(Path("config/Wendlemark"));
         std::ofstream(StorePath(), std::ios::binary) << bytes;
     }
     static int ModeOf(const std::string& path) {
@@ -46,40 +31,29 @@ protected:
         return ::stat(path.c_str(), &status) == 0 ? static_cast<int>(status.st_mode & 0777) : -1;
     }
 
-    std::string folder;
     // A tree of its own, as a process that starts afresh has.
     loam::Preferences prefs{"", nullptr};
 };
 
-TEST_F(PreferencesTest, DottedNamesMakeOneGroupPerNode) {
-    loam::Preferences& root = loam::GetPreferences();
-    EXPECT_EQ(&root, &loam::GetPreferences());
-    EXPECT_TRUE(root.SetString("IndexLocation", "/home/ann/index"));
-    EXPECT_TRUE(root.SetBool("Options.AutoWildcards", true));
-    EXPECT_TRUE(root.SetInt("MaxResults", 2000));
-    EXPECT_TRUE(root.SetInt("UI.SearchPattern.Count", 2));
-    EXPECT_TRUE(root.SetString("a.b.c", "x"));
-    EXPECT_TRUE(root.SetInt("General.Width", 5));
-    EXPECT_EQ(ReadStore(), "[General]\nIndexLocation=/home/ann/index\nMaxResults=2000\n\n"
-                           "[Options]\nAutoWildcards=true\n\n[UI/SearchPattern]\nCount=2\n\n"
-                           "[a/b]\nc=x\n\n[%General]\nWidth=5\n");
-    uint32_t width = 0;
-    EXPECT_TRUE(prefs.GetInt("general.width", width));
-    EXPECT_EQ(width, 5u);
-}
-
-TEST_F(PreferencesTest, NamesKeepTheCaseInWhichTheyWereFirstWritten) {
-    EXPECT_TRUE(prefs.SetInt("UI.SearchPattern.Count", 1));
+TEST_F(PreferencesTest, DottedNamesMakeOneGroupPerNodeInTheCaseFirstWritten) {
+    loam::Preferences& global = loam::GetPreferences();
+    EXPECT_TRUE(global.SetString("IndexLocation", "/home/ann/index"));
+    EXPECT_TRUE(global.SetBool("Options.AutoWildcards", true));
+    EXPECT_TRUE(global.SetInt("UI.SearchPattern.Count", 1));
     EXPECT_TRUE(prefs.SetInt("ui.SEARCHPATTERN.count", 2));
-    loam::Preferences other("", nullptr);
-    EXPECT_TRUE(other.SetInt("UI.searchpattern.COUNT", 3));
-    EXPECT_TRUE(other.SetString("ui.searchpattern.Item0", "a"));
-    EXPECT_TRUE(other.SetBool("ui.searchpattern.deeper.On", true));
-    uint32_t count = 0;
-    EXPECT_TRUE(prefs.GetInt("Ui.SearchPattern.Count", count));
-    EXPECT_EQ(count, 3u);
-    EXPECT_EQ(ReadStore(), "[UI/SearchPattern]\nCount=3\nItem0=a\n\n"
-                           "[UI/SearchPattern/deeper]\nOn=true\n");
+    EXPECT_TRUE(prefs.SetString("ui.searchpattern.Item0", "a"));
+    EXPECT_TRUE(prefs.SetBool("ui.searchpattern.deeper.On", true));
+    EXPECT_TRUE(global.SetString("a.b.c", "x"));
+    EXPECT_TRUE(global.SetInt("General.Width", 5));
+    EXPECT_EQ(ReadWhole("config/Wendlemark/Sorvanta.conf"),
+              "[General]\nIndexLocation=/home/ann/index\n\n[Options]\nAutoWildcards=true\n\n"
+              "[UI/SearchPattern]\nCount=2\nItem0=a\n\n[UI/SearchPattern/deeper]\nOn=true\n\n"
+              "[a/b]\nc=x\n\n[%General]\nWidth=5\n");
+    uint32_t number = 0;
+    EXPECT_TRUE(global.GetInt("Ui.SearchPattern.Count", number));
+    EXPECT_EQ(number, 2u);
+    EXPECT_TRUE(prefs.GetInt("general.width", number));
+    EXPECT_EQ(number, 5u);
 }
 
 TEST_F(PreferencesTest, StoredTextReadsByType) {
@@ -87,35 +61,26 @@ TEST_F(PreferencesTest, StoredTextReadsByType) {
                "Yes=true\nNo=false\nEmpty=\n");
     ASSERT_TRUE(prefs.SetBool("Flag", true));
     ASSERT_TRUE(prefs.SetInt("All", 0xFFFFFFFF));
-    struct Case {
-        const char* name;
-        uint32_t number;
-        bool flag;
-        const char* text;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, uint32_t, bool, const char*> cases[] = {
         {"N", 42, true, "42"},
         {"Neg", 0xFFFFFFFB, true, "-5"},
-        {"Max", 0xFFFFFFFF, true, "4294967295"},
         {"Over", 7, false, "4294967296"},
+        {"Max", 0xFFFFFFFF, true, "4294967295"},
         {"Text", 7, false, "hello"},
         {"Yes", 1, true, "true"},
         {"No", 0, false, "false"},
         {"Empty", 7, false, ""},
         {"Flag", 1, true, "true"},
-        {"All", 0xFFFFFFFF, true, "-1"},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
+        {"All", 0xFFFFFFFF, true, "-1"}};
+    for (const auto& [name, expectedNumber, expectedFlag, expectedText] : cases) {
         uint32_t number = 7;
         bool flag = false;
         loam::String text;
-        EXPECT_TRUE(prefs.GetInt(c.name, number));
-        EXPECT_TRUE(prefs.GetBool(c.name, flag));
-        EXPECT_TRUE(prefs.GetString(c.name, text));
-        EXPECT_EQ(number, c.number);
-        EXPECT_EQ(flag, c.flag);
-        EXPECT_STREQ(text.GetCString(), c.text);
+        EXPECT_TRUE(prefs.GetInt(name, number) && prefs.GetBool(name, flag) &&
+                    prefs.GetString(name, text));
+        EXPECT_EQ(number, expectedNumber) << name;
+        EXPECT_EQ(flag, expectedFlag) << name;
+        EXPECT_STREQ(text.GetCString(), expectedText) << name;
     }
 }
 
@@ -123,15 +88,8 @@ TEST_F(PreferencesTest, MissingOrDamagedStoreLeavesDefaults) {
     std::string garbage(4096, '\0');
     for (size_t i = 0; i < garbage.size(); ++i)
         garbage[i] = static_cast<char>((i * 7919 + 13) % 251);
-    struct Case {
-        const char* what;
-        std::function<void()> make;
-        bool writable;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, std::function<void()>, bool> cases[] = {
         {"no file", [] {}, true},
-        {"other group", [&] { WriteStore("[Other]\nCount=1\n"); }, true},
-        {"other key", [&] { WriteStore("[Options]\nOther=1\n"); }, true},
         {"garbage", [&] { WriteStore(garbage); }, true},
         {"bad line", [&] { WriteStore("[Options]\nCount=1\nnot a pair\n"); }, true},
         {"truncated group", [&] { WriteStore("[Options]\nCount=1\n[Opti"); }, true},
@@ -139,28 +97,22 @@ TEST_F(PreferencesTest, MissingOrDamagedStoreLeavesDefaults) {
         {"a folder", [&] { fs::create_directories(StorePath()); }, false},
         {"a fifo",
          [&] {
-             fs::create_directories(folder + "/Wendlemark");
+             fs::create_directories(Path("config/Wendlemark"));
              ::mkfifo(StorePath().c_str(), 0600);
          },
          true},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        fs::remove_all(folder + "/Wendlemark");
-        c.make();
+    for (const auto& [what, make, writable] : cases) {
+        SCOPED_TRACE(what);
+        fs::remove_all(Path("config"));
+        make();
         uint32_t number = 7;
-        bool flag = true;
         loam::String text("default");
-        loam::FileSpec path("/default");
         EXPECT_FALSE(prefs.GetInt("Options.Count", number));
-        EXPECT_FALSE(prefs.GetBool("Options.Count", flag));
         EXPECT_FALSE(prefs.GetString("Options.Count", text));
-        EXPECT_FALSE(prefs.GetFileSpec("Options.Count", path));
         EXPECT_EQ(number, 7u);
-        EXPECT_TRUE(flag);
         EXPECT_STREQ(text.GetCString(), "default");
-        EXPECT_STREQ(path.GetPath().GetCString(), "/default");
-        if (!c.writable)
+        if (!writable)
             continue;
         EXPECT_TRUE(prefs.SetInt("Options.Count", 9));
         EXPECT_TRUE(prefs.GetInt("Options.Count", number));
@@ -169,52 +121,43 @@ TEST_F(PreferencesTest, MissingOrDamagedStoreLeavesDefaults) {
 }
 
 TEST_F(PreferencesTest, WithoutLocationNothingIsReadOrWritten) {
-    const std::pair<const char*, const char*> locations[] = {{"", ""}, {"Wendlemark", ""}};
-    for (const auto& [company, product] : locations) {
-        loam::SetPreferenceLocation(company, product);
+    for (const char* company : {"", "Wendlemark"}) {
+        loam::SetPreferenceLocation(company, "");
         uint32_t number = 7;
-        loam::String text;
         EXPECT_FALSE(prefs.SetInt("Options.Count", 1));
-        EXPECT_FALSE(prefs.SetString("Name", "x"));
         EXPECT_FALSE(prefs.GetInt("Options.Count", number));
-        EXPECT_FALSE(prefs.GetString("Name", text));
         EXPECT_EQ(number, 7u);
-        EXPECT_TRUE(fs::is_empty(folder));
+        EXPECT_FALSE(Exists("config"));
     }
     loam::SetPreferenceLocation("", "Sorvanta");
     EXPECT_TRUE(prefs.SetInt("Count", 1));
-    EXPECT_TRUE(fs::exists(folder + "/Sorvanta.conf"));
-    EXPECT_FALSE(prefs.GetImp()->RemoveAll());
-    EXPECT_TRUE(fs::exists(folder + "/Sorvanta.conf"));
+    EXPECT_TRUE(Exists("config/Sorvanta.conf"));
 }
 
 TEST_F(PreferencesTest, StoreFilesArePrivate) {
     WriteStore("[General]\nOld=1\n");
     ::chmod(StorePath().c_str(), 0644);
-    ::chmod((folder + "/Wendlemark").c_str(), 0755);
+    ::chmod(Path("config/Wendlemark").c_str(), 0755);
     EXPECT_TRUE(prefs.SetInt("New", 2));
     EXPECT_EQ(ModeOf(StorePath()), 0600);
     EXPECT_EQ(ModeOf(StorePath() + ".lock"), 0600);
-    fs::remove_all(folder + "/Wendlemark");
+    fs::remove_all(Path("config/Wendlemark"));
     EXPECT_TRUE(prefs.SetInt("New", 2));
-    EXPECT_EQ(ModeOf(folder + "/Wendlemark"), 0700);
+    EXPECT_EQ(ModeOf(Path("config/Wendlemark")), 0700);
     EXPECT_EQ(ModeOf(StorePath()), 0600);
 }
 
 TEST_F(PreferencesTest, TextAndPathsRoundTrip) {
-    const std::string cases[] = {
-        "line one\nline two",
-        "a=b",
-        "[Options]",
-        "  padded  ",
-        "\ttab\r\n",
-        "back\\slash \\n",
-        "caf\xC3\xA9",
-        "\xE9t\xE9\\ \n  latin",
-        "#not a comment",
-        "",
-        std::string(10000, 'x'),
-    };
+    const std::string cases[] = {"line one\nline two",
+                                 "a=b",
+                                 "[Options]",
+                                 "  padded  ",
+                                 "\ttab\r\n",
+                                 "back\\slash \\n",
+                                 "\xE9t\xE9\\ \n  latin",
+                                 "#not a comment",
+                                 "",
+                                 std::string(10000, 'x')};
     ASSERT_TRUE(prefs.SetInt("Text.Sentinel", 1));
     for (const std::string& value : cases) {
         SCOPED_TRACE(value);

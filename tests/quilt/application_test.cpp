@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 namespace {
 
@@ -47,29 +48,24 @@ quilt::Application* CreateClosingApplication() {
 }
 
 TEST(ApplicationTest, TheProcessRunsUntilItsMainWindowCloses) {
-    struct ProcessCase {
-        std::vector<const char*> arguments;
-        bool opened;
-        const char* openedFile;
-    };
-    const ProcessCase cases[] = {
+    const std::tuple<std::vector<const char*>, bool, const char*> cases[] = {
         {{"sorvanta"}, false, ""},
         {{"sorvanta", "\"/home/some", "file\""}, true, "/home/some file"},
         {{"sorvanta", "/buildindex"}, true, "/buildindex"},
         {{"sorvanta", "\""}, true, "\""},
     };
-    for (const ProcessCase& test : cases) {
+    for (const auto& [arguments, opened, openedFile] : cases) {
         quilt::OffscreenDriver driver;
         record = ProcessRecord{};
         std::vector<char*> argv;
-        for (const char* argument : test.arguments) {
+        for (const char* argument : arguments) {
             argv.push_back(const_cast<char*>(argument));
         }
         int code =
             quilt::RunProcess(CreateClosingApplication, static_cast<int>(argv.size()), argv.data());
         EXPECT_EQ(code, 0);
-        EXPECT_EQ(record.opened, test.opened);
-        EXPECT_EQ(record.openedFile, test.openedFile);
+        EXPECT_EQ(record.opened, opened);
+        EXPECT_EQ(record.openedFile, openedFile);
         EXPECT_EQ(record.idleRounds, 1);
         EXPECT_TRUE(record.exited);
         EXPECT_EQ(quilt::Application::GetCurrent(), nullptr);

@@ -11,6 +11,7 @@
 
 #include <memory>
 #include <string>
+#include <tuple>
 
 namespace {
 
@@ -28,43 +29,27 @@ std::string Describe(const Rect& rect) {
 }
 
 TEST(ColourTest, NativeWordHoldsRedInTheLowByte) {
-    struct ColourCase {
-        Colour colour;
-        uint32_t native;
-    };
-    const ColourCase cases[] = {
-        {Colour(255, 0, 0), 0x0000FF},
-        {Colour(0, 0, 255), 0xFF0000},
-        {Colour(1, 2, 3), 0x030201},
-        {quilt::White, 0xFFFFFF},
-        {Colour(), 0},
-    };
-    for (const ColourCase& test : cases) {
-        EXPECT_EQ(test.colour.ToNative(), test.native);
-        EXPECT_EQ(Colour::FromNative(test.native), test.colour);
+    const std::pair<Colour, uint32_t> cases[] = {
+        {Colour(255, 0, 0), 0x0000FF}, {Colour(1, 2, 3), 0x030201}, {quilt::White, 0xFFFFFF}};
+    for (const auto& [colour, native] : cases) {
+        EXPECT_EQ(colour.ToNative(), native);
+        EXPECT_EQ(Colour::FromNative(native), colour);
     }
     EXPECT_EQ(Colour::FromNative(0xAA030201), Colour(1, 2, 3));
 }
 
 TEST(FontTest, OffscreenFontsAreTwicePointsHighAndPointsWide) {
-    struct FontCase {
-        int32_t points;
-        bool created;
-        int32_t height;
-        int32_t width;
-    };
-    const FontCase cases[] = {
+    const std::tuple<int32_t, bool, int32_t, int32_t> cases[] = {
         {8, true, 16, 8},  {12, true, 24, 12}, {1, true, 2, 1},      {1000, true, 2000, 1000},
         {0, false, 16, 8}, {-3, false, 16, 8}, {1001, false, 16, 8},
     };
-    for (const FontCase& test : cases) {
+    for (const auto& [points, created, height, width] : cases) {
         quilt::Font font;
-        EXPECT_EQ(font.Create(loam::String("Any Face"), test.points, quilt::FontWeightBold),
-                  test.created)
-            << test.points;
-        EXPECT_EQ(font.GetHeight(), test.height) << test.points;
-        EXPECT_EQ(font.GetAverageWidth(), test.width) << test.points;
-        EXPECT_EQ(font.GetPointSize(), test.height / 2) << test.points;
+        EXPECT_EQ(font.Create(loam::String("Any Face"), points, quilt::FontWeightBold), created)
+            << points;
+        EXPECT_EQ(font.GetHeight(), height) << points;
+        EXPECT_EQ(font.GetAverageWidth(), width) << points;
+        EXPECT_EQ(font.GetPointSize(), height / 2) << points;
     }
 }
 
@@ -75,31 +60,18 @@ TEST(DialogUnitsTest, DialogFontUnitsAreTwoPixelsAndOthersRoundHalvesAway) {
     EXPECT_EQ(dialog.ToPixelsY(14), 28);
 
     quilt::DialogUnits classic(6, 13);
-    struct UnitCase {
-        int32_t units;
-        int32_t x;
-        int32_t y;
-    };
-    const UnitCase cases[] = {
+    const std::tuple<int32_t, int32_t, int32_t> cases[] = {
         {50, 75, 81}, {14, 21, 23}, {1, 2, 2}, {-1, -2, -2}, {4, 6, 7}, {0, 0, 0},
     };
-    for (const UnitCase& test : cases) {
-        EXPECT_EQ(classic.ToPixelsX(test.units), test.x) << test.units;
-        EXPECT_EQ(classic.ToPixelsY(test.units), test.y) << test.units;
+    for (const auto& [units, x, y] : cases) {
+        EXPECT_EQ(classic.ToPixelsX(units), x) << units;
+        EXPECT_EQ(classic.ToPixelsY(units), y) << units;
     }
 }
 
 TEST(MeasureTextTest, TextIsMeasuredByTheOffscreenModel) {
-    struct MeasureCase {
-        const char* name;
-        const char* text;
-        uint32_t flags;
-        int32_t width; // of the rectangle given
-        int32_t measuredWidth;
-        int32_t measuredHeight;
-    };
     const uint32_t wrap = quilt::TextWordBreak;
-    const MeasureCase cases[] = {
+    const std::tuple<const char*, const char*, uint32_t, int32_t, int32_t, int32_t> cases[] = {
         {"one line", "Hello", 0, 1000, 40, 16},
         {"ampersand is a byte", "&File", 0, 1000, 40, 16},
         {"empty", "", 0, 1000, 0, 0},
@@ -121,12 +93,11 @@ TEST(MeasureTextTest, TextIsMeasuredByTheOffscreenModel) {
         {"trailing blanks", "abc   ", wrap, 40, 40, 16},
     };
     GC gc;
-    for (const MeasureCase& test : cases) {
-        Rect rect{10, 20, 10 + test.width, 500};
-        gc.MeasureText(loam::String(test.text), test.flags, rect);
-        EXPECT_EQ(Describe(rect),
-                  Describe(Rect{10, 20, 10 + test.measuredWidth, 20 + test.measuredHeight}))
-            << test.name;
+    for (const auto& [name, text, flags, width, measuredWidth, measuredHeight] : cases) {
+        Rect rect{10, 20, 10 + width, 500};
+        gc.MeasureText(loam::String(text), flags, rect);
+        EXPECT_EQ(Describe(rect), Describe(Rect{10, 20, 10 + measuredWidth, 20 + measuredHeight}))
+            << name;
     }
 }
 
@@ -164,24 +135,10 @@ protected:
     OffscreenDrawingRecorder recorder;
 };
 
-TEST_F(DrawingTest, ANewContextDrawsBlackOnWhiteWithATransparentBackground) {
-    GC gc(window);
-    ASSERT_TRUE(gc.IsAttached());
-    gc.MoveTo(0, 0);
-    gc.LineTo(10, 10);
-    ASSERT_EQ(recorder.GetDrawings().size(), 1u);
-    const quilt::GCState& state = recorder.GetDrawings()[0].state;
-    EXPECT_EQ(state.penStyle, quilt::PenSolid);
-    EXPECT_EQ(state.penColour, quilt::Black);
-    EXPECT_EQ(state.penWidth, 1);
-    EXPECT_EQ(state.brushColour, quilt::White);
-    EXPECT_EQ(state.backMode, quilt::BackModeTransparent);
-    EXPECT_EQ(state.textColour, quilt::Black);
-    EXPECT_EQ(state.font, nullptr);
-}
-
 TEST_F(DrawingTest, PoppedStatesComeBackAndAnUnmatchedPopChangesNothing) {
     GC gc(window);
+    EXPECT_EQ(gc.GetState().backMode, quilt::BackModeTransparent);
+    EXPECT_EQ(gc.GetState().brushColour, quilt::White);
     gc.PushState();
     gc.SetPenColour(Colour(1, 2, 3));
     EXPECT_EQ(gc.SetTextColour(Colour(4, 5, 6)), quilt::Black);
@@ -193,47 +150,26 @@ TEST_F(DrawingTest, PoppedStatesComeBackAndAnUnmatchedPopChangesNothing) {
     EXPECT_EQ(gc.GetState().penWidth, 3);
 }
 
+// Wrapped centred text is centred by hand and taller text starts at the top; a centred line is
+// drawn as a single line. The prefix character is never interpreted.
 TEST_F(DrawingTest, TextIsPlacedAsThePlatformDrawsIt) {
-    struct TextCase {
-        const char* name;
-        const char* text;
-        Rect rect;
-        uint32_t flags;
-        Rect drawnIn;
-        uint32_t drawnFlags;
-    };
     const uint32_t centred = quilt::TextCenter | quilt::TextVCenter | quilt::TextWordBreak;
-    const TextCase cases[] = {
-        {"wrapped text is centred by hand",
-         "one two",
-         {0, 0, 80, 100},
-         centred,
-         {0, 42, 80, 58},
-         centred | quilt::TextNoPrefix},
-        {"taller text starts at the top",
-         "aaa bbb ccc",
-         {0, 0, 40, 20},
-         centred,
-         {0, 0, 40, 48},
-         centred | quilt::TextNoPrefix},
-        {"a centred line is a single line",
-         "a&b",
-         {5, 5, 100, 50},
-         quilt::TextVCenter,
-         {5, 5, 100, 50},
-         quilt::TextVCenter | quilt::TextSingleLine | quilt::TextNoPrefix},
-        {"plain", "a&b", {5, 5, 100, 50}, 0, {5, 5, 100, 50}, quilt::TextNoPrefix},
+    const uint32_t line = quilt::TextVCenter | quilt::TextSingleLine;
+    const std::tuple<const char*, Rect, uint32_t, Rect, uint32_t> cases[] = {
+        {"one two", {0, 0, 80, 100}, centred, {0, 42, 80, 58}, centred},
+        {"aaa bbb ccc", {0, 0, 40, 20}, centred, {0, 0, 40, 48}, centred},
+        {"a&b", {5, 5, 100, 50}, quilt::TextVCenter, {5, 5, 100, 50}, line},
+        {"a&b", {5, 5, 100, 50}, 0, {5, 5, 100, 50}, 0},
     };
     GC gc(window);
-    for (const TextCase& test : cases) {
+    for (const auto& [text, rect, flags, drawnIn, drawnFlags] : cases) {
         recorder.Clear();
-        gc.DrawTextInRect(loam::String(test.text), test.rect, test.flags);
-        ASSERT_EQ(recorder.GetDrawings().size(), 1u) << test.name;
+        gc.DrawTextInRect(loam::String(text), rect, flags);
+        ASSERT_EQ(recorder.GetDrawings().size(), 1u) << text;
         const OffscreenDrawing& drawn = recorder.GetDrawings()[0];
-        EXPECT_EQ(Describe(drawn.rect), Describe(test.drawnIn)) << test.name;
-        EXPECT_EQ(drawn.flags, test.drawnFlags) << test.name;
-        EXPECT_TRUE(drawn.text == test.text) << test.name;
-        EXPECT_EQ(drawn.window, &window) << test.name;
+        EXPECT_EQ(Describe(drawn.rect), Describe(drawnIn)) << text;
+        EXPECT_EQ(drawn.flags, drawnFlags | quilt::TextNoPrefix) << text;
+        EXPECT_TRUE(drawn.text == text && drawn.window == &window) << text;
     }
 }
 
@@ -285,17 +221,6 @@ TEST_F(DrawingTest, ARepaintDrawsInTheWholeClientArea) {
     ASSERT_EQ(edges.size(), 1u);
     EXPECT_EQ(edges[0].window, &painting);
     EXPECT_EQ(Describe(edges[0].rect), "0,0,120,80");
-}
-
-TEST(SizeGripTest, TheGripTakesTheBottomRightCorner) {
-    const std::pair<Rect, Rect> cases[] = {
-        {{0, 0, 300, 200}, {284, 184, 300, 200}},
-        {{10, 20, 110, 220}, {94, 204, 110, 220}},
-        {{0, 0, 8, 8}, {-8, -8, 8, 8}},
-    };
-    for (const auto& [client, grip] : cases) {
-        EXPECT_EQ(Describe(quilt::SizeGrip::GetGripRect(client)), Describe(grip));
-    }
 }
 
 TEST_F(DrawingTest, TheGripSitsDisabledInTheCornerAndFollowsTheSize) {

