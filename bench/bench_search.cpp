@@ -1,4 +1,5 @@
-// The search pass over an index of one million generated entries, per kind of pattern.
+// The search pass over indexes of one and ten million generated entries, per kind of pattern,
+// with the plain pass beside the fast one.
 
 #include "bench/index_generator.h"
 #include "index/index_data.h"
@@ -8,23 +9,26 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <map>
+#include <memory>
 #include <string>
 
 namespace {
 
-constexpr int32_t RecordCount = 1000000;
+using Pass = IndexSearcher::Pass;
 
-// The index is generated once per run into a folder of its own, loaded, and removed at exit.
+// An index is generated once per size and run into a folder of its own, loaded, and removed at
+// exit.
 class BenchIndex {
 public:
-    BenchIndex() {
+    explicit BenchIndex(int32_t records) {
         std::string pattern =
             (std::filesystem::temp_directory_path() / "bench_search_XXXXXX").string();
         if (!mkdtemp(pattern.data()))
             return;
         folder = pattern;
         const loam::FileSpec spec((folder + "/sorvanta.idx").c_str());
-        loaded = GenerateIndex(spec, RecordCount, 1) && index.Load(spec);
+        loaded = GenerateIndex(spec, records, 1) && index.Load(spec);
     }
     ~BenchIndex() {
         if (!folder.empty())
@@ -36,19 +40,23 @@ public:
     bool loaded = false;
 };
 
-BenchIndex& GetBenchIndex() {
-    static BenchIndex bench;
-    return bench;
+BenchIndex& GetBenchIndex(int32_t records) {
+    static std::map<int32_t, std::unique_ptr<BenchIndex>> indexes;
+    std::unique_ptr<BenchIndex>& bench = indexes[records];
+    if (!bench)
+        bench = std::make_unique<BenchIndex>(records);
+    return *bench;
 }
 
-void RunSearch(benchmark::State& state, const char* pattern, bool isRegExp, bool autoWildcards) {
-    BenchIndex& bench = GetBenchIndex();
+void RunSearch(benchmark::State& state, const char* pattern, bool isRegExp, bool autoWildcards,
+               Pass pass) {
+    BenchIndex& bench = GetBenchIndex(static_cast<int32_t>(state.range(0)));
     if (!bench.loaded) {
         state.SkipWithError("the index could not be generated");
         return;
     }
     for (auto _ : state) {
-        IndexSearcher searcher;
+        IndexSearcher searcher(pass);
         if (!searcher.Start(&bench.index, pattern, isRegExp, autoWildcards)) {
             state.SkipWithError("the pattern was refused");
             return;
@@ -62,21 +70,31 @@ void RunSearch(benchmark::State& state, const char* pattern, bool isRegExp, bool
         static_cast<double>(state.iterations()) * records, benchmark::Counter::kIsRate);
 }
 
-void PlainWordWithAutomaticWildcards(benchmark::State& state) {
-    RunSearch(state, "report", false, true);
-}
+constexpr int64_t OneMillion = 1000000;
+constexpr int64_t TenMillion = 10000000;
 
-void ExtensionWildcard(benchmark::State& state) {
-    RunSearch(state, "*.txt", false, false);
-}
+#define SEARCH_BENCHMARK(name, pattern, isRegExp, autoWildcards)                                   \
+    BENCHMARK_CAPTURE(RunSearch, name, pattern, isRegExp, autoWildcards, Pass::Fast)               \
+        ->Arg(OneMillion)                                                                          \
+        ->Unit(benchmark::kMillisecond);                                                           \
+    BENCHMARK_CAPTURE(RunSearch, name##_plain, pattern, isRegExp, autoWildcards, Pass::Plain)      \
+        ->Arg(OneMillion)                                                                          \
+        ->Unit(benchmark::kMillisecond)
 
-void RegularExpression(benchmark::State& state) {
-    RunSearch(state, "(img_|dsc)[0-9]+\\.jpe?g", true, false);
-}
+SEARCH_BENCHMARK(PlainWordWithAutomaticWildcards, "report", false, true);
+SEARCH_BENCHMARK(ExtensionWildcard, "*.txt", false, false);
+SEARCH_BENCHMARK(WildcardsOfSeveralRuns, "*re*po*rt*", false, false);
+SEARCH_BENCHMARK(RegularExpressionWithLiteral, "img_[0-9]+\\.jpg", true, false);
+SEARCH_BENCHMARK(RegularExpressionOfLiteralsAndRuns, ".*report.*\\.pdf", true, false);
+SEARCH_BENCHMARK(RegularExpressionWithoutLiteral, "[a-z]+[0-9]+", true, false);
+SEARCH_BENCHMARK(RegularExpressionWithGroup, "(img_|dsc)[0-9]+\\.jpe?g", true, false);
 
-BENCHMARK(PlainWordWithAutomaticWildcards)->Unit(benchmark::kMillisecond);
-BENCHMARK(ExtensionWildcard)->Unit(benchmark::kMillisecond);
-BENCHMARK(RegularExpression)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(RunSearch, PlainWordWithAutomaticWildcards, "report", false, true, Pass::Fast)
+    ->Arg(TenMillion)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(RunSearch, ExtensionWildcard, "*.txt", false, false, Pass::Fast)
+    ->Arg(TenMillion)
+    ->Unit(benchmark::kMillisecond);
 
 } // namespace
 

@@ -3,7 +3,6 @@
 #include "loam/disk_file.h"
 #include "loam/error.h"
 
-#include <new>
 #include <vector>
 
 namespace {
@@ -24,6 +23,7 @@ const char* const notUnderstoodText =
 constexpr uint32_t MaxImageSize = 0x7FFFFFFF;
 // The fixed part and a name block that holds at least its NUL.
 constexpr uint32_t MinRecordSize = sizeof(IndexRecord) + 1;
+constexpr uint32_t MaxRecordSize = sizeof(IndexRecord) + UINT8_MAX;
 
 bool Fail(uint32_t code, const char* text) {
     return loam::GetErrorState().RaiseError(code, loam::SeverityError, text);
@@ -39,16 +39,37 @@ bool HasMoreBytes(loam::File& file) {
     return count != 0;
 }
 
-// Padding is NUL, so a name block that holds its NUL always ends in one. A parent is a record
-// that came before.
-bool IsWellFormed(const IndexRecord& record, uint32_t ordinal) {
-    return record.nameLength > 0 && record.GetName()[record.nameLength - 1] == '\0' &&
-           (record.parent == IndexNoParent || record.parent < ordinal);
-}
+// The pass of BuildTables over the records, kept in locals so that nothing of it goes through
+// memory from one record to the next.
+struct RecordTally {
+    const IndexRecord** table;
+    const char* cursor;
+    int32_t ordinal = 0;
+    uint32_t files = 0;
+    uint32_t folders = 0;
+    uint64_t totalSize = 0;
+    bool wellFormed = true;
 
-template <typename T> std::unique_ptr<T[]> AllocateArray(uint32_t count) {
-    return std::unique_ptr<T[]>(new (std::nothrow) T[count]);
-}
+    // Enters the record at cursor, which lies wholly inside the buffer, and moves past it.
+    // Padding is NUL, so a name block that holds its NUL ends in one; a parent is a record that
+    // came before.
+    void Take() {
+        const auto* record = reinterpret_cast<const IndexRecord*>(cursor);
+        const uint32_t nameLength = record->nameLength;
+        const uint32_t parent = record->parent;
+        const bool isFile = record->kind == IndexKindFile;
+        table[ordinal] = record;
+        files += isFile;
+        folders += record->kind == IndexKindFolder;
+        totalSize += isFile ? record->size : 0;
+        cursor += sizeof(IndexRecord) + nameLength;
+        // The last byte of the name block; of the fixed part when the block is empty.
+        const char lastByte = cursor[-1];
+        wellFormed &= (nameLength > 0) & (lastByte == '\0') &
+                      ((parent == IndexNoParent) | (parent < static_cast<uint32_t>(ordinal)));
+        ++ordinal;
+    }
+};
 
 } // namespace
 
@@ -61,7 +82,7 @@ bool IndexData::Load(loam::FileSpec indexFile) {
         return Fail(loam::ErrorGeneral, emptyText);
     if (size > MaxImageSize)
         return Fail(loam::ErrorGeneral, cannotLoadText);
-    auto image = AllocateArray<char>(size);
+    auto image = AllocateLargeArray<char>(size);
     if (!image)
         return Fail(loam::ErrorGeneral, cannotLoadText);
     loam::DiskFile file;
@@ -73,7 +94,7 @@ bool IndexData::Load(loam::FileSpec indexFile) {
     return LoadImage(std::move(image), size);
 }
 
-bool IndexData::LoadImage(std::unique_ptr<char[]> image, uint32_t imageSize) {
+bool IndexData::LoadImage(LargeArray<char> image, uint32_t imageSize) {
     Release();
     buffer = std::move(image);
     bufferSize = imageSize;
@@ -118,29 +139,32 @@ bool IndexData::BuildTables(const char* firstRecord, uint32_t bytes) {
     const int32_t count = header->recordCount;
     if (count < 0 || static_cast<uint32_t>(count) > bytes / MinRecordSize)
         return Fail(loam::ErrorGeneral, notUnderstoodText);
-    records = AllocateArray<const IndexRecord*>(count);
-    results = AllocateArray<const IndexRecord*>(count);
+    records = AllocateLargeArray<const IndexRecord*>(count);
+    results = AllocateLargeArray<const IndexRecord*>(count);
     if (!records || !results)
         return Fail(loam::ErrorGeneral, notUnderstoodText);
-    const char* cursor = firstRecord;
-    uint32_t remaining = bytes;
-    for (int32_t ordinal = 0; ordinal < count; ++ordinal) {
-        if (remaining < sizeof(IndexRecord))
-            return Fail(loam::ErrorGeneral, notUnderstoodText);
-        const auto* record = reinterpret_cast<const IndexRecord*>(cursor);
-        const uint32_t length = sizeof(IndexRecord) + record->nameLength;
-        if (length > remaining || !IsWellFormed(*record, static_cast<uint32_t>(ordinal)))
-            return Fail(loam::ErrorGeneral, notUnderstoodText);
-        records[ordinal] = record;
-        if (record->kind == IndexKindFile) {
-            ++fileCount;
-            totalSize += record->size;
-        } else if (record->kind == IndexKindFolder) {
-            ++folderCount;
-        }
-        cursor += length;
-        remaining -= length;
+    RecordTally tally{records.get(), firstRecord};
+    const char* const end = firstRecord + bytes;
+    // While the longest record still fits before the end, no record can reach past it, and the
+    // checks are gathered instead of each being a branch.
+    if (bytes >= MaxRecordSize) {
+        const char* const lastSafe = end - MaxRecordSize;
+        while (tally.ordinal < count && tally.cursor <= lastSafe)
+            tally.Take();
     }
+    while (tally.ordinal < count && tally.wellFormed) {
+        const auto remaining = static_cast<size_t>(end - tally.cursor);
+        if (remaining < sizeof(IndexRecord) ||
+            sizeof(IndexRecord) + reinterpret_cast<const IndexRecord*>(tally.cursor)->nameLength >
+                remaining)
+            return Fail(loam::ErrorGeneral, notUnderstoodText);
+        tally.Take();
+    }
+    if (!tally.wellFormed)
+        return Fail(loam::ErrorGeneral, notUnderstoodText);
+    fileCount = tally.files;
+    folderCount = tally.folders;
+    totalSize = tally.totalSize;
     resultCount = 0;
     return true;
 }

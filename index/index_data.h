@@ -1,12 +1,12 @@
 #pragma once
 
 #include "index/index_format.h"
+#include "index/large_array.h"
 #include "loam/date_time.h"
 #include "loam/file_spec.h"
 #include "loam/string.h"
 
 #include <cstdint>
-#include <memory>
 
 namespace quilt {
 class Window;
@@ -23,7 +23,7 @@ public:
 
     bool Load(loam::FileSpec indexFile);
     // Takes the whole image of an index file, checks it and builds the tables; Load ends here.
-    bool LoadImage(std::unique_ptr<char[]> image, uint32_t imageSize);
+    bool LoadImage(LargeArray<char> image, uint32_t imageSize);
     void Release();
     bool IsLoaded() const { return buffer != nullptr; }
 
@@ -63,13 +63,13 @@ private:
     bool BuildTables(const char* firstRecord, uint32_t bytes);
     bool IsResult(int32_t index) const { return index >= 0 && index < resultCount; }
 
-    std::unique_ptr<char[]> buffer;
+    LargeArray<char> buffer;
     const IndexFileHeader* header = nullptr;
     uint32_t bufferSize = 0;
-    std::unique_ptr<const IndexRecord*[]> records;
+    LargeArray<const IndexRecord*> records;
     uint32_t fileCount = 0;
     uint32_t folderCount = 0;
     uint64_t totalSize = 0;
-    std::unique_ptr<const IndexRecord*[]> results;
+    LargeArray<const IndexRecord*> results;
     int32_t resultCount = 0;
 };

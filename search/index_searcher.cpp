@@ -4,27 +4,38 @@
 #include "loam/error.h"
 
 #include <algorithm>
+#include <array>
+#include <cstring>
+#include <limits>
+#include <locale>
+#include <type_traits>
 
 namespace {
+
+// The matcher folds case through the ctype facet of the expression's locale, which is what
+// FoldsAsciiOnly reads.
+static_assert(std::is_same_v<boost::regex::traits_type,
+                             boost::regex_traits<char, boost::cpp_regex_traits<char>>>);
+
+// A name block's length is one byte, so no loaded name is longer.
+constexpr int32_t LongestLoadableName = 254;
+// However short the name and the expression, the matcher takes at least this many steps before
+// it gives up on a name by throwing.
+constexpr double MatcherStepFloor = 100000;
+constexpr int32_t SampleRuns = 16;
+constexpr int32_t SampleRunRecords = 32;
+
+using ByteCounts = std::array<uint32_t, 256>;
 
 bool HoldsWildcard(const loam::String& pattern) {
     return pattern.FindChar('*', nullptr) || pattern.FindChar('?', nullptr);
 }
 
-} // namespace
-
-IndexSearcher::IndexSearcher() {
-    name.Reserve(MaxIndexNameLength);
+loam::String WithAutoWildcards(const loam::String& pattern, bool autoWildcards) {
+    return autoWildcards && !HoldsWildcard(pattern) ? "*" + pattern + "*" : pattern;
 }
 
-IndexSearcher::~IndexSearcher() = default;
-
-loam::String IndexSearcher::MakeExpression(const loam::String& pattern, bool isRegExp,
-                                           bool autoWildcards) {
-    if (isRegExp)
-        return pattern;
-    const loam::String wildcards =
-        autoWildcards && !HoldsWildcard(pattern) ? "*" + pattern + "*" : pattern;
+loam::String TranslateWildcards(const loam::String& wildcards) {
     loam::String text;
     text.Reserve(wildcards.GetLength() * 2);
     for (const char* at = wildcards.GetCString(); *at; ++at) {
@@ -45,13 +56,148 @@ loam::String IndexSearcher::MakeExpression(const loam::String& pattern, bool isR
     return text;
 }
 
+// The glob compares ASCII letters without regard to case and every other byte as it stands;
+// the expression folds through its locale, which must then fold in just that way.
+bool FoldsAsciiOnly(const boost::regex& expression) {
+    const auto& ctype = std::use_facet<std::ctype<char>>(expression.getloc());
+    for (int value = 0; value < 256; ++value) {
+        const char byte = static_cast<char>(value);
+        if (ctype.tolower(byte) != loam::FoldToLower(byte))
+            return false;
+    }
+    return true;
+}
+
+// A bound on the steps of the matcher over a name of the given length: each state of the
+// expression (at most twice its characters, and a few) is tried once for every length of every
+// repeat that may be retried, and once more on the way back.
+double MatcherSteps(int32_t expressionLength, int32_t repeats, int32_t nameLength) {
+    const double states = 2.0 * expressionLength + 8;
+    double tries = 0;
+    double lengths = 1;
+    for (int32_t repeat = 0; repeat <= repeats; ++repeat, lengths *= nameLength + 1)
+        tries += lengths;
+    return 2 * states * tries;
+}
+
+// The matcher may give up on a longer name, and a pass that did not ask it about that name
+// would then end elsewhere than the plain pass does.
+int32_t TrustedLength(int32_t expressionLength, int32_t repeats) {
+    int32_t length = -1;
+    while (length < LongestLoadableName &&
+           MatcherSteps(expressionLength, repeats, length + 1) <= MatcherStepFloor)
+        ++length;
+    return length;
+}
+
+const char* BytesOf(const IndexRecord* record) {
+    return reinterpret_cast<const char*>(record);
+}
+
+// How often each byte, folded, occurs in runs of records spread over the index. A run is read
+// from one stretch of memory, which is quicker than as many records picked one by one.
+ByteCounts SampleBytes(const IndexData& index) {
+    ByteCounts counts{};
+    const int32_t total = index.GetRecordCount();
+    const int32_t step = std::max(SampleRunRecords, total / SampleRuns);
+    for (int32_t run = 0; run < total; run += step) {
+        const IndexRecord* record = index.GetRecord(run);
+        const IndexRecord* end = index.GetRecord(std::min(run + SampleRunRecords, total) - 1);
+        for (const char* at = BytesOf(record); at < BytesOf(end->GetNextRecord()); ++at)
+            ++counts[static_cast<uint8_t>(loam::FoldToLower(*at))];
+    }
+    return counts;
+}
+
+// Two literal bytes of a piece, and how often they stand together, by the sample.
+struct BytePair {
+    double odds = std::numeric_limits<double>::infinity();
+    int32_t first = -1;
+    int32_t last = -1;
+};
+
+// The two literal bytes of a piece that the sample holds least often; a piece of one literal
+// byte is looked for by that byte alone.
+BytePair RarestPair(const std::string& piece, const ByteCounts& counts, double sampled) {
+    const auto odds = [&counts](char byte) { return counts[static_cast<uint8_t>(byte)] + 1.0; };
+    int32_t rarest = -1, second = -1;
+    for (int32_t i = 0; i < static_cast<int32_t>(piece.size()); ++i) {
+        if (piece[i] == '\0')
+            continue;
+        if (rarest < 0 || odds(piece[i]) < odds(piece[rarest])) {
+            second = rarest;
+            rarest = i;
+        } else if (second < 0 || odds(piece[i]) < odds(piece[second])) {
+            second = i;
+        }
+    }
+    if (rarest < 0)
+        return {};
+    if (second < 0)
+        return {odds(piece[rarest]) * sampled, rarest, rarest};
+    return {odds(piece[rarest]) * odds(piece[second]), std::min(rarest, second),
+            std::max(rarest, second)};
+}
+
+// The piece to look for, and the pair in it that makes the finder stop at fewest places.
+PieceFinder ChooseAnchor(const NameGlob& glob, const ByteCounts& counts) {
+    double sampled = 1;
+    for (uint32_t count : counts)
+        sampled += count;
+    BytePair best;
+    const std::string* anchor = nullptr;
+    for (const std::string& piece : glob.GetPieces()) {
+        const BytePair pair = RarestPair(piece, counts, sampled);
+        if (pair.odds < best.odds) {
+            best = pair;
+            anchor = &piece;
+        }
+    }
+    return PieceFinder(*anchor, static_cast<uint32_t>(best.first),
+                       static_cast<uint32_t>(best.last));
+}
+
+// The record that holds the byte at, among [first, end): the last one that starts at or before
+// it. The table is read forward, eight records a step, so that the memory ahead is fetched
+// before it is asked for; the last eight are narrowed down without a branch to mispredict.
+int32_t RecordHolding(const IndexRecord* const* records, int32_t first, int32_t end,
+                      const char* at) {
+    int32_t found = first;
+    while (found + 8 < end && BytesOf(records[found + 8]) <= at)
+        found += 8;
+    for (int32_t step = 4; step > 0; step /= 2) {
+        const int32_t next = found + step;
+        found = next < end && BytesOf(records[next]) <= at ? next : found;
+    }
+    return found;
+}
+
+} // namespace
+
+IndexSearcher::IndexSearcher(Pass pass) : pass(pass) {
+    name.Reserve(MaxIndexNameLength);
+}
+
+IndexSearcher::~IndexSearcher() = default;
+
+loam::String IndexSearcher::MakeExpression(const loam::String& pattern, bool isRegExp,
+                                           bool autoWildcards) {
+    return isRegExp ? pattern : TranslateWildcards(WithAutoWildcards(pattern, autoWildcards));
+}
+
 bool IndexSearcher::Start(IndexData* data, loam::String pattern, bool isRegExp,
                           bool autoWildcards) {
-    if (!Compile(MakeExpression(pattern, isRegExp, autoWildcards)))
+    const loam::String wildcards = isRegExp ? pattern : WithAutoWildcards(pattern, autoWildcards);
+    const loam::String text = isRegExp ? pattern : TranslateWildcards(wildcards);
+    if (!Compile(text))
         return loam::RaiseError(loam::ErrorGeneral, SearchSyntaxErrorText);
     index = data;
     index->ClearResults();
     cursor = 0;
+    const bool isGlob =
+        pass == Pass::Fast && (isRegExp ? glob.ReadExpression(text.GetCString())
+                                        : glob.ReadWildcards(wildcards.GetCString()));
+    ChooseMode(isGlob, text.GetLength());
     return true;
 }
 
@@ -69,6 +215,20 @@ bool IndexSearcher::Compile(const loam::String& text) {
     }
 }
 
+// A glob that only tells which names cannot match is of no use without a literal byte; with
+// one, the records are searched for a piece of it, and without, each name is put to the glob.
+void IndexSearcher::ChooseMode(bool isGlob, int32_t expressionLength) {
+    testRecords = &IndexSearcher::MatchRecords;
+    if (!isGlob || (!glob.IsExact() && !glob.HasLiteral()) || !FoldsAsciiOnly(expression))
+        return;
+    trustedLength = TrustedLength(expressionLength, glob.GetRetriedRepeats());
+    testRecords = &IndexSearcher::FilterRecords;
+    if (glob.HasLiteral()) {
+        anchor = ChooseAnchor(glob, SampleBytes(*index));
+        testRecords = &IndexSearcher::ScanRecords;
+    }
+}
+
 // A failure inside the library ends the pass: what was found so far is the result.
 int32_t IndexSearcher::RunSlice(quilt::JobController*, int32_t* percent) {
     if (!index)
@@ -82,17 +242,78 @@ int32_t IndexSearcher::RunSlice(quilt::JobController*, int32_t* percent) {
 
 int32_t IndexSearcher::TestRecords(int32_t* percent) {
     const int32_t total = index->GetRecordCount();
-    const IndexRecord* const* records = index->GetRecords();
-    const int32_t end = cursor + std::min(SliceRecords, total - cursor);
-    for (; cursor < end; ++cursor) {
-        name.Assign(records[cursor]->GetName());
-        name.ToLower();
-        const char* first = name.GetCString();
-        if (boost::regex_match(first, first + name.GetLength(), match, expression,
-                               boost::match_any))
-            index->AddResult(records[cursor]);
-    }
+    (this->*testRecords)(cursor + std::min(SliceRecords, total - cursor));
     if (total > 0)
         *percent = static_cast<int32_t>(static_cast<int64_t>(cursor) * 100 / total);
     return cursor < total ? 1 : 0;
+}
+
+void IndexSearcher::MatchRecords(int32_t end) {
+    const IndexRecord* const* records = index->GetRecords();
+    for (; cursor < end; ++cursor) {
+        if (MatchName(records[cursor]))
+            index->AddResult(records[cursor]);
+    }
+}
+
+void IndexSearcher::FilterRecords(int32_t end) {
+    const IndexRecord* const* records = index->GetRecords();
+    for (; cursor < end; ++cursor) {
+        if (Decide(records[cursor]))
+            index->AddResult(records[cursor]);
+    }
+}
+
+// The records lie one after the other in the image, so the slice's bytes are searched as one
+// stretch for one piece of the glob, and only the records that hold it are looked at. A piece
+// found in a record's fixed part, or across two records, is turned down by the glob.
+void IndexSearcher::ScanRecords(int32_t end) {
+    if (cursor == end)
+        return;
+    const IndexRecord* const* records = index->GetRecords();
+    const int32_t total = index->GetRecordCount();
+    const char* limit = BytesOf(records[total - 1]->GetNextRecord());
+    const char* stop = end < total ? BytesOf(records[end]) : limit;
+    for (int32_t next = cursor; next < end; ++next) {
+        const char* hit = anchor.Find(BytesOf(records[next]), stop, limit);
+        const int32_t holder = hit == stop ? end : RecordHolding(records, next, end, hit);
+        AskAboutLongNames(next, holder);
+        if (holder == end)
+            break;
+        next = holder;
+        if (Decide(records[next]))
+            index->AddResult(records[next]);
+    }
+    cursor = end;
+}
+
+// The records in [first, end) do not hold the anchor piece, so the glob turns them all down;
+// but a name on which the matcher might give up is put to the expression all the same.
+void IndexSearcher::AskAboutLongNames(int32_t first, int32_t end) {
+    if (trustedLength == LongestLoadableName)
+        return;
+    const IndexRecord* const* records = index->GetRecords();
+    for (int32_t ordinal = first; ordinal < end; ++ordinal) {
+        if (records[ordinal]->nameLength > trustedLength + 1 && Decide(records[ordinal]))
+            index->AddResult(records[ordinal]);
+    }
+}
+
+// A name that the matcher might give up on is put to the expression whatever the glob says, and
+// so is every name that a glob which is not exact lets through.
+bool IndexSearcher::Decide(const IndexRecord* record) {
+    const char* text = record->GetName();
+    const size_t length = std::strlen(text);
+    if (static_cast<int64_t>(length) > trustedLength)
+        return MatchName(record);
+    if (!glob.Matches(text, length))
+        return false;
+    return glob.IsExact() || MatchName(record);
+}
+
+bool IndexSearcher::MatchName(const IndexRecord* record) {
+    name.Assign(record->GetName());
+    name.ToLower();
+    const char* first = name.GetCString();
+    return boost::regex_match(first, first + name.GetLength(), match, expression, boost::match_any);
 }

@@ -3,6 +3,8 @@
 #include "index/index_data.h"
 #include "loam/string.h"
 #include "quilt/job_worker.h"
+#include "search/name_glob.h"
+#include "search/piece_finder.h"
 
 #include <boost/regex.hpp>
 
@@ -15,11 +17,18 @@ inline constexpr char SearchSyntaxErrorText[] =
 // One pass over the record table of a loaded index: every record's name, folded to lower case,
 // is matched whole against one expression, and the matches go into the index's result table in
 // record order. The pass runs in slices, so that a progress dialog can breathe between them.
+//
+// Where the expression is no more than literal bytes and wildcards, the fast pass reads it as a
+// glob and passes over the names that cannot match without asking the expression; where the
+// glob says exactly what the expression would, it decides alone. It gives the results of the
+// plain pass, which asks the expression about every name and is kept for comparison.
 class IndexSearcher : public quilt::JobWorker {
 public:
     static constexpr int32_t SliceRecords = 10000;
 
-    IndexSearcher();
+    enum class Pass { Fast, Plain };
+
+    explicit IndexSearcher(Pass pass = Pass::Fast);
     ~IndexSearcher() override;
 
     // Turns what the user typed into the text of the expression: a regular expression as it
@@ -34,12 +43,26 @@ public:
 
 private:
     bool Compile(const loam::String& text);
+    void ChooseMode(bool isGlob, int32_t expressionLength);
     int32_t TestRecords(int32_t* percent);
+    void MatchRecords(int32_t end);
+    void FilterRecords(int32_t end);
+    void ScanRecords(int32_t end);
+    void AskAboutLongNames(int32_t first, int32_t end);
+    bool Decide(const IndexRecord* record);
+    bool MatchName(const IndexRecord* record);
 
+    Pass pass;
     IndexData* index = nullptr;
     boost::regex expression;
     int32_t cursor = 0;
     // Reused from record to record, so that matching a name allocates nothing.
     loam::String name;
     boost::cmatch match;
+    // How the records of a slice are tested: MatchRecords, FilterRecords or ScanRecords.
+    void (IndexSearcher::*testRecords)(int32_t end) = &IndexSearcher::MatchRecords;
+    NameGlob glob;
+    // Names up to this length cannot make the expression's matcher give up; -1 for none.
+    int32_t trustedLength = -1;
+    PieceFinder anchor;
 };

@@ -1,14 +1,15 @@
 // sorvanta-find: the command-line finder over the index of the desktop program, with the same
 // matching and the same settings.
 
+#include "app/resources/string_table.h"
 #include "app/sorvanta_app.h"
 #include "app/sorvanta_options.h"
 #include "index/index_data.h"
+#include "index/index_format.h"
 #include "index/index_status.h"
 #include "loam/disk_file.h"
 #include "loam/error.h"
 #include "loam/preferences.h"
-#include "loam/resource.h"
 #include "search/index_searcher.h"
 
 #include <getopt.h>
@@ -21,7 +22,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <iterator>
 
 namespace {
 
@@ -55,14 +55,6 @@ const char helpText[] =
     "Exit status is 0 if something matched, 1 if nothing did, 2 if an error occurred.\n";
 
 const char noIndexText[] = "No index available.";
-
-// The texts of the status line, as the program's string table holds them.
-const loam::StringTableEntry statusStrings[] = {
-    {106, "Index status %s, updated %s, %s files in %s folders, totalling %s"},
-    {107, "good"},
-    {108, "incomplete"},
-    {109, "unknown"},
-};
 
 enum Action { ActionSearch, ActionStatus, ActionDump, ActionHelp, ActionVersion };
 
@@ -224,11 +216,22 @@ loam::FileSpec GetIndexFile(const Request& request) {
     return SorvantaApp::GetIndexFile();
 }
 
-// Paths are built only for what is printed, and no longer once the output has failed.
+// Paths are built only for what is printed, and no longer once the output has failed. They are
+// built as IndexData::GetPathOf builds them, but results come in index order and most share
+// their folder with the one before, so the folder is walked up to only when it changes.
 void WritePaths(Output& output, const IndexData& index, int32_t count, char terminator) {
+    loam::FileSpec folder, path;
+    uint32_t parentOfFolder = IndexNoParent;
     for (int32_t i = 0; i < count; ++i) {
-        const loam::String path = index.GetResultPath(i);
-        if (!output.Write(path.GetCString(), static_cast<size_t>(path.GetLength())) ||
+        const IndexRecord* record = index.GetResult(i);
+        if (i == 0 || record->GetParent() != parentOfFolder) {
+            index.GetFolderOf(record, folder);
+            parentOfFolder = record->GetParent();
+        }
+        path = folder;
+        path.Append(record->GetName());
+        const loam::String& text = path.GetPath();
+        if (!output.Write(text.GetCString(), static_cast<size_t>(text.GetLength())) ||
             !output.Write(&terminator, 1))
             return;
     }
@@ -266,7 +269,7 @@ int RunStatus(const Request& request) {
     IndexData index;
     if (!index.Load(file))
         return FailWithTopError();
-    loam::RegisterStringTable(statusStrings, static_cast<int>(std::size(statusStrings)));
+    RegisterSorvantaStrings();
     loam::String line;
     FormatIndexStatus(line, index, file, loam::DateTime::Now());
     line.Append('\n');

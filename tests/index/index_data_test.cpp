@@ -150,6 +150,43 @@ TEST_F(IndexDataTest, LoadsWhatTheHeaderCountsAndNothingBehind) {
     }
 }
 
+// An image of some megabytes: a root and files below it, one of them damaged in the middle or
+// as the very last record, where the loader checks each record before it reads it.
+std::string LargeImage(int32_t files, int32_t damaged, int damage) {
+    IndexImage image;
+    image.Header(1, 0, files + 1).Record(1, 0xFFFFFFFF, "/data");
+    for (int32_t ordinal = 1; ordinal <= files; ++ordinal) {
+        const std::string name = "file " + std::to_string(ordinal) + ".txt";
+        if (ordinal != damaged)
+            image.Record(0, 0, name, static_cast<uint32_t>(ordinal));
+        else if (damage == 0)
+            image.Fixed(0, 0, 0);
+        else if (damage == 1)
+            image.Fixed(0, 4, 0).Raw("abcd");
+        else
+            image.Record(0, static_cast<uint32_t>(ordinal) + 1, name);
+    }
+    return image.GetBytes();
+}
+
+TEST_F(IndexDataTest, ChecksEveryRecordOfALargeFile) {
+    constexpr int32_t files = 100000;
+    IndexData index;
+    ASSERT_TRUE(LoadBytes(index, LargeImage(files, 0, 0))) << CurrentMessage();
+    EXPECT_EQ(index.GetRecordCount(), files + 1);
+    EXPECT_EQ(index.GetFileCount(), static_cast<uint32_t>(files));
+    EXPECT_EQ(index.GetFolderCount(), 1u);
+    EXPECT_EQ(index.GetTotalSize(), uint64_t(files) * (files + 1) / 2);
+    EXPECT_EQ(index.GetPathOf(index.GetRecord(files)), "/data/file 100000.txt");
+    for (int32_t damaged : {files / 2, files}) {
+        for (int damage : {0, 1, 2}) {
+            SCOPED_TRACE(testing::Message() << "record " << damaged << " damage " << damage);
+            EXPECT_FALSE(LoadBytes(index, LargeImage(files, damaged, damage)));
+            ExpectFailure(index, notUnderstood);
+        }
+    }
+}
+
 TEST_F(IndexDataTest, AnswersForResultsAndRebuildsTheirPaths) {
     IndexData index;
     ASSERT_TRUE(LoadBytes(index, SmallIndex().GetBytes()));

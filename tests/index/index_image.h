@@ -1,10 +1,22 @@
 #pragma once
 
-#include "scratch_index_folder.h"
+#include "loam/scratch_folder.h"
+#include "loam/string.h"
 
 #include <cstdint>
 #include <cstring>
 #include <string>
+
+inline std::string CurrentMessage() {
+    return loam::GetCurrentErrorInfo().GetMessage().GetCString();
+}
+
+namespace loam {
+// Shows a String's text in a failed expectation.
+inline void PrintTo(const String& text, std::ostream* out) {
+    *out << '"' << text.GetCString() << '"';
+}
+} // namespace loam
 
 // Index file bytes put together field by field, damaged ones included.
 class IndexImage {

@@ -1,5 +1,7 @@
 #include "index/volume_index_builder.h"
 
+#include <tuple>
+
 #include "quilt/offscreen/offscreen_driver.h"
 #include "walk_fixture.h"
 
@@ -42,31 +44,30 @@ protected:
 };
 
 TEST_F(VolumeIndexBuilderTest, EachCallWalksUpToItsBudgetOnEveryVolumeAndResumesExactly) {
-    struct Case {
-        const char* name;
-        std::vector<Files> files;
-        std::vector<std::string> roots;
-        int32_t budget;
-        std::vector<size_t> filesPerCall;
-        const char* firstStop; // where the first call stops, if it does; a root keeps its "/"
-    };
-    const Case cases[] = {
-        {"exactly one slice", {{"one", 500}}, {"one"}, 500, {500, 0}, "one/"},
-        {"one file more than a slice", {{"more", 501}}, {"more"}, 500, {500, 1}, "more/"},
-        {"a stop deep in a tree", {{"deep/a/b/c", 5}}, {"deep"}, 3, {3, 2}, "deep/a/b/c"},
-        {"a second volume starts in the same call",
-         {{"A", 3}, {"B", 4}},
-         {"A", "B"},
-         5,
-         {7},
-         nullptr},
-        {"every volume gets the whole budget", {{"C", 7}, {"D", 4}}, {"C", "D"}, 5, {5, 6}, "C/"},
-        {"no fixed volume", {}, {}, 5, {0}, nullptr},
-    };
-    for (const Case& test : cases) {
-        SCOPED_TRACE(test.name);
-        MakeFiles(test.files);
-        SetRoots(test.roots);
+    const std::tuple<const char*, std::vector<Files>, std::vector<std::string>, int32_t,
+                     std::vector<size_t>, const char*>
+        cases[] = {
+            {"exactly one slice", {{"one", 500}}, {"one"}, 500, {500, 0}, "one/"},
+            {"one file more than a slice", {{"more", 501}}, {"more"}, 500, {500, 1}, "more/"},
+            {"a stop deep in a tree", {{"deep/a/b/c", 5}}, {"deep"}, 3, {3, 2}, "deep/a/b/c"},
+            {"a second volume starts in the same call",
+             {{"A", 3}, {"B", 4}},
+             {"A", "B"},
+             5,
+             {7},
+             nullptr},
+            {"every volume gets the whole budget",
+             {{"C", 7}, {"D", 4}},
+             {"C", "D"},
+             5,
+             {5, 6},
+             "C/"},
+            {"no fixed volume", {}, {}, 5, {0}, nullptr},
+        };
+    for (const auto& [name, files, volumes, budget, expectedPerCall, firstStop] : cases) {
+        SCOPED_TRACE(name);
+        MakeFiles(files);
+        SetRoots(volumes);
         RecordingWriter whole;
         ASSERT_TRUE(VolumeIndexBuilder(nullptr).RunToCompletion(&whole));
 
@@ -77,15 +78,15 @@ TEST_F(VolumeIndexBuilderTest, EachCallWalksUpToItsBudgetOnEveryVolumeAndResumes
         bool done = false;
         while (!done && filesPerCall.size() < 10) {
             const size_t before = sliced.CountFiles();
-            ASSERT_TRUE(builder.RunSteps(&sliced, test.budget, &done));
+            ASSERT_TRUE(builder.RunSteps(&sliced, budget, &done));
             filesPerCall.push_back(sliced.CountFiles() - before);
             loam::FileSpec folder;
-            if (filesPerCall.size() == 1 && test.firstStop) {
+            if (filesPerCall.size() == 1 && firstStop) {
                 ASSERT_TRUE(builder.IsRunning(&folder));
-                EXPECT_EQ(folder.GetPath().GetCString(), Path(test.firstStop));
+                EXPECT_EQ(folder.GetPath().GetCString(), Path(firstStop));
             }
         }
-        EXPECT_EQ(filesPerCall, test.filesPerCall);
+        EXPECT_EQ(filesPerCall, expectedPerCall);
         EXPECT_EQ(sliced.entries, whole.entries);
         EXPECT_TRUE(sliced.orphans.empty());
         EXPECT_EQ(sliced.finishes, 0);
@@ -101,12 +102,8 @@ TEST_F(VolumeIndexBuilderTest, ASecondStartIsRefusedAndAStopLeavesTheWriterUnfin
     ASSERT_TRUE(builder.Start(&writer));
 
     EXPECT_FALSE(builder.Start(&other));
-    const loam::ErrorInfo& error = loam::GetCurrentErrorInfo();
-    EXPECT_EQ(error.GetCode(), 6u);
-    EXPECT_EQ(error.GetSeverity(), 2u);
-    EXPECT_EQ(error.GetMessage(), "The volume indexing system was asked to start indexing when "
-                                  "an indexing operation was already in progress.");
-    loam::ClearErrors();
+    ExpectError(6, "The volume indexing system was asked to start indexing when an indexing "
+                   "operation was already in progress.");
 
     EXPECT_TRUE(builder.OnIdle(0));
     loam::FileSpec folder;
@@ -122,25 +119,20 @@ TEST_F(VolumeIndexBuilderTest, ASecondStartIsRefusedAndAStopLeavesTheWriterUnfin
 }
 
 TEST_F(VolumeIndexBuilderTest, IdleRoundsOfTheMainLoopBuildAndSealTheIndex) {
-    struct Case {
-        const char* name;
-        std::vector<Files> files;
-        std::vector<std::string> roots;
-        std::vector<std::string> progress;
-        int32_t records;
-    };
-    const Case cases[] = {
-        {"three slices", {{"many", 1100}}, {""}, {"many", "many"}, 1102},
-        {"no fixed volume", {}, {}, {}, 0},
-    };
-    for (const Case& test : cases) {
-        SCOPED_TRACE(test.name);
-        MakeFiles(test.files);
-        SetRoots(test.roots);
+    const std::tuple<const char*, std::vector<Files>, std::vector<std::string>,
+                     std::vector<std::string>, int32_t>
+        cases[] = {
+            {"three slices", {{"many", 1100}}, {""}, {"many", "many"}, 1102},
+            {"no fixed volume", {}, {}, {}, 0},
+        };
+    for (const auto& [name, files, volumes, progress, records] : cases) {
+        SCOPED_TRACE(name);
+        MakeFiles(files);
+        SetRoots(volumes);
         quilt::OffscreenDriver driver;
         IdleApplication application;
         RecordingMonitor monitor;
-        const std::string file = base + "/sorvanta.idx";
+        const std::string file = root + "/sorvanta.idx";
         loam::DiskFile disk;
         ASSERT_TRUE(disk.OpenFile(loam::FileSpec(file.c_str()), loam::FileModeWrite));
         {
@@ -152,7 +144,7 @@ TEST_F(VolumeIndexBuilderTest, IdleRoundsOfTheMainLoopBuildAndSealTheIndex) {
             EXPECT_FALSE(builder.IsIdleEnabled());
         }
         std::vector<std::string> expectedProgress;
-        for (const std::string& folder : test.progress)
+        for (const std::string& folder : progress)
             expectedProgress.push_back(Path(folder));
         EXPECT_EQ(monitor.progress, expectedProgress);
         EXPECT_EQ(monitor.finishes, 1);
@@ -160,8 +152,8 @@ TEST_F(VolumeIndexBuilderTest, IdleRoundsOfTheMainLoopBuildAndSealTheIndex) {
         IndexData index;
         ASSERT_TRUE(index.Load(loam::FileSpec(file.c_str())));
         EXPECT_EQ(index.GetHeader()->unfinished, 0u);
-        EXPECT_EQ(index.GetRecordCount(), test.records);
-        EXPECT_EQ(std::filesystem::file_size(file) == 12, test.records == 0);
+        EXPECT_EQ(index.GetRecordCount(), records);
+        EXPECT_EQ(std::filesystem::file_size(file) == 12, records == 0);
     }
 }
 

@@ -4,21 +4,13 @@
 #include "index/index_data.h"
 #include "index/volume_index_builder.h"
 #include "loam/disk_file.h"
-#include "loam/error.h"
-
-#include <gtest/gtest.h>
+#include "loam/scratch_folder.h"
 
 #include <cmath>
 #include <compare>
 #include <cstdio>
-#include <cstdlib>
 #include <fcntl.h>
-#include <filesystem>
-#include <fstream>
-#include <list>
-#include <optional>
 #include <set>
-#include <string>
 #include <sys/stat.h>
 #include <vector>
 
@@ -93,51 +85,21 @@ inline void RecordAlert(const char*, const char* text) {
     alerts.push_back(text);
 }
 
-// Sets an environment variable for the life of the object and puts back what was there.
-class ScopedVariable {
-public:
-    ScopedVariable(const char* name, const std::string& value) : name(name) {
-        if (const char* old = std::getenv(name))
-            previous = old;
-        setenv(name, value.c_str(), 1);
-    }
-    ~ScopedVariable() {
-        if (previous)
-            setenv(name.c_str(), previous->c_str(), 1);
-        else
-            unsetenv(name.c_str());
-    }
-    ScopedVariable(const ScopedVariable&) = delete;
-    ScopedVariable& operator=(const ScopedVariable&) = delete;
-
-private:
-    std::string name;
-    std::optional<std::string> previous;
-};
-
-// A fresh folder per test, with the tree to walk in "tree" and the program's settings, data and
-// roots pointing into the folder; an empty error stack at the start and the end.
-class WalkTest : public ::testing::Test {
+// The tree to walk is "tree" in the test's fresh folder; the walk's writer must never complain.
+class WalkTest : public ScratchFolderTest {
 protected:
     void SetUp() override {
-        std::string pattern = (std::filesystem::temp_directory_path() / "walk_XXXXXX").string();
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        base = pattern;
-        tree = base + "/tree";
+        ScratchFolderTest::SetUp();
+        tree = root + "/tree";
         std::filesystem::create_directory(tree);
-        environment.emplace_back("XDG_CONFIG_HOME", base + "/config");
-        environment.emplace_back("XDG_DATA_HOME", base + "/data");
         SetRoots({""});
         alerts.clear();
         previousAlertHandler = SetWriterAlertHandler(RecordAlert);
-        loam::ClearErrors();
     }
     void TearDown() override {
         EXPECT_EQ(alerts, std::vector<std::string>());
         SetWriterAlertHandler(previousAlertHandler);
-        environment.clear();
-        std::filesystem::remove_all(base);
-        loam::ClearErrors();
+        ScratchFolderTest::TearDown();
     }
 
     // Roots by their place in the tree: "" is the tree itself.
@@ -146,7 +108,7 @@ protected:
         for (const std::string& name : names)
             list += (list.empty() ? "" : ":") + Path(name);
         roots.reset();
-        roots.emplace("SORVANTA_ROOTS", list);
+        roots.emplace("SORVANTA_ROOTS", list.c_str());
     }
 
     std::string Path(const std::string& name) const {
@@ -196,7 +158,7 @@ protected:
 
     // Builds the index of the roots in one call into a file beside the tree.
     std::vector<Entry> BuildIndex() const {
-        const std::string file = base + "/sorvanta.idx";
+        const std::string file = root + "/sorvanta.idx";
         {
             loam::DiskFile disk;
             EXPECT_TRUE(disk.OpenFile(loam::FileSpec(file.c_str()), loam::FileModeWrite));
@@ -235,10 +197,8 @@ protected:
         return folders;
     }
 
-    std::string base;
     std::string tree;
-    std::list<ScopedVariable> environment;
-    std::optional<ScopedVariable> roots;
+    std::optional<ScopedEnvironment> roots;
     WriterAlertHandler previousAlertHandler = nullptr;
 };
 

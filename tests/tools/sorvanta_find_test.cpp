@@ -99,6 +99,9 @@ TEST_F(SorvantaFindTest, PrintsMatchingPathsInIndexOrder) {
     EXPECT_EQ(found.err, "");
     EXPECT_EQ(Run({"--index", Path("index.idx"), "--no-auto-wildcards", "*.TXT"}).out,
               Lines({"tree/docs/readme.txt", "tree/docs/Old README.txt", "tree/NOTES.TXT"}));
+    EXPECT_EQ(Run({"-d", Path("index.idx"), "-r", ".*"}).out,
+              Lines({"tree", "tree/docs", "tree/docs/readme.txt", "tree/docs/Old README.txt",
+                     "tree/NOTES.TXT", "tree/src", "tree/src/main.cpp"}));
 }
 
 struct Invocation {

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <new>
+
+// Frees what AllocateLargeArray gave: a mapping of its own, or an array from new[], which is
+// also what a plain std::unique_ptr hands over.
+class LargeArrayRelease {
+public:
+    LargeArrayRelease() = default;
+    explicit LargeArrayRelease(size_t mapped) : mappedBytes(mapped) {}
+    template <typename T> LargeArrayRelease(std::default_delete<T[]>) {}
+
+    template <typename T> void operator()(T* array) const {
+        if (mappedBytes == 0)
+            delete[] array;
+        else
+            UnmapLargeBlock(array, mappedBytes);
+    }
+
+private:
+    static void UnmapLargeBlock(void* block, size_t bytes);
+
+    // 0 for an array from new[].
+    size_t mappedBytes = 0;
+};
+
+template <typename T> using LargeArray = std::unique_ptr<T[], LargeArrayRelease>;
+
+// An array of some megabytes gets memory of its own, asked to be backed by huge pages where the
+// system offers them: the first touch of every small page of fresh memory can cost more than
+// reading the file that fills it. Smaller arrays come from new[].
+bool IsLargeBlock(size_t bytes);
+// Null when there is no memory.
+void* MapLargeBlock(size_t bytes);
+
+template <typename T> LargeArray<T> AllocateLargeArray(uint32_t count) {
+    const size_t bytes = sizeof(T) * count;
+    if (!IsLargeBlock(bytes))
+        return LargeArray<T>(new (std::nothrow) T[count]);
+    T* array = static_cast<T*>(MapLargeBlock(bytes));
+    if (!array)
+        return nullptr;
+    std::uninitialized_default_construct_n(array, count);
+    return LargeArray<T>(array, LargeArrayRelease(bytes));
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+// Finds in a stretch of bytes the next place where a piece of a glob stands: its literal bytes
+// compared as names are compared (an ASCII letter in either case, any other byte as it stands),
+// a NUL in the piece taking any byte. Two chosen literal bytes of the piece are looked for
+// first, sixteen places at a time where the processor allows it, and each place where both
+// stand is then compared whole.
+class PieceFinder {
+public:
+    PieceFinder() = default;
+    // The piece as the glob holds it, folded to lower case, and the places in it of the two
+    // bytes to look for first: literal bytes, first <= second.
+    PieceFinder(const std::string& piece, uint32_t first, uint32_t second);
+
+    // The first place p in [from, to) where the piece stands, reading no byte before from or
+    // at or after limit; to when there is none.
+    const char* Find(const char* from, const char* to, const char* limit) const;
+
+private:
+    const char* FindPair(const char* from, const char* to, const char* limit) const;
+    bool PairAt(const char* at) const;
+
+    std::string piece;
+    uint32_t first = 0;
+    uint32_t distance = 0;
+    uint8_t firstValue = 0;
+    uint8_t firstMask = 0;
+    uint8_t secondValue = 0;
+    uint8_t secondMask = 0;
+};

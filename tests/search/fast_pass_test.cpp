@@ -1,0 +1,204 @@
+// The fast pass against the plain one: for generated names and patterns of every kind, both
+// refuse the same patterns and find the same records in the same order.
+#include "search/index_searcher.h"
+
+#include "index/index_image.h"
+#include "loam/error.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Names = std::vector<std::string>;
+using Results = std::vector<const IndexRecord*>;
+
+const char* const words[] = {"report", "README",  "notes",     "a",    "b", "ab",   "aab", "txt",
+                             "img",    "Caf\xC9", "\xE9t\xE9", "\xFF", "x", "Data", "TXT", "q"};
+const char* const joins[] = {".", " ",   "_", "-",    "(",    ")",    "[",    "]",      "+", "$",
+                             "^", "|",   "{", "}",    "\\",   "*",    "?",    "\n",     "",  "",
+                             "",  ".tx", "t", "\x80", ".txt", ".TXT", ".jpg", ".tar.gz"};
+// Pieces of regular expressions, with and without literal bytes.
+const char* const atoms[] = {".",    ".*",    ".+",    ".?",  "[a-c]", "[^x]",
+                             "[]a]", "a*",    "b+",    "t?",  "\\.",   "\\+",
+                             "\\$",  "(a|b)", "(x)*",  "\\d", "x{2}",  "[[:alpha:]]",
+                             "|",    "\xC9",  "\xE9*", "\n",  "TxT",   "report"};
+
+class Generator {
+public:
+    explicit Generator(uint32_t seed) : random(seed) {}
+
+    std::string Name() {
+        switch (Pick(16)) {
+        case 0:
+            return "";
+        case 1:
+            return std::string(1, Byte());
+        case 2:
+            return std::string(MaxIndexNameLength, 'a');
+        case 3:
+            return std::string(MaxIndexNameLength - 5, 'a') + "b.TxT";
+        case 4: {
+            std::string name;
+            while (name.size() < MaxIndexNameLength)
+                name += Byte();
+            return name;
+        }
+        default:
+            return MixCase(Words(1 + Pick(4)));
+        }
+    }
+
+    // A wildcard pattern made from words and joins, with "*" and "?" put in here and there.
+    std::string Wildcards() {
+        std::string pattern = MixCase(Words(1 + Pick(3)));
+        for (uint32_t count = Pick(4); count > 0; --count)
+            pattern.insert(Pick(static_cast<uint32_t>(pattern.size()) + 1), Pick(3) ? "*" : "?");
+        return pattern;
+    }
+
+    std::string Expression() {
+        std::string expression = Pick(4) == 0 ? "^" : "";
+        for (uint32_t count = 1 + Pick(4); count > 0; --count)
+            expression += Pick(2) ? atoms[Pick(std::size(atoms))] : MixCase(Word());
+        return expression + (Pick(4) == 0 ? "$" : "");
+    }
+
+    uint32_t Pick(uint32_t bound) { return static_cast<uint32_t>(random() % bound); }
+
+private:
+    char Byte() {
+        static const char bytes[] = "aAbBtTxX.*?[]()\\+$^ \n\x80\xC9\xE9\xFF";
+        return bytes[Pick(sizeof bytes - 1)];
+    }
+    std::string Word() { return words[Pick(std::size(words))]; }
+    std::string Words(uint32_t count) {
+        std::string text = Word();
+        while (--count > 0)
+            text += joins[Pick(std::size(joins))] + Word();
+        if (Pick(2))
+            text += joins[Pick(std::size(joins))];
+        return text;
+    }
+    std::string MixCase(std::string text) {
+        for (char& byte : text) {
+            if (Pick(3) == 0)
+                byte = static_cast<char>(std::toupper(static_cast<unsigned char>(byte)));
+            else if (Pick(3) == 0)
+                byte = static_cast<char>(std::tolower(static_cast<unsigned char>(byte)));
+        }
+        return text;
+    }
+
+    std::mt19937 random;
+};
+
+// A root, the names as files below it, and records whose name blocks are unusual but loadable:
+// text after the name's NUL, a block of an odd length.
+void LoadIndex(IndexData& index, const Names& names) {
+    IndexImage image;
+    image.Header(1, 0, static_cast<int32_t>(names.size() + 3)).Record(1, 0xFFFFFFFF, "/data");
+    image.Fixed(0, 12, 0).Raw(std::string("ab\0report.t\0", 12));
+    image.Fixed(0, 255, 0).Raw(std::string(250, 'b') + std::string(".txt\0", 5));
+    for (const std::string& name : names)
+        image.Record(0, 0, name, 10);
+    const std::string& bytes = image.GetBytes();
+    auto buffer = std::make_unique<char[]>(bytes.size());
+    std::memcpy(buffer.get(), bytes.data(), bytes.size());
+    ASSERT_TRUE(index.LoadImage(std::move(buffer), static_cast<uint32_t>(bytes.size())));
+}
+
+Results Collect(const IndexData& index) {
+    Results results;
+    for (int32_t i = 0; i < index.GetResultCount(); ++i)
+        results.push_back(index.GetResult(i));
+    return results;
+}
+
+// Whether the pass started, and what it found.
+std::pair<bool, Results> Search(IndexData& index, IndexSearcher::Pass pass,
+                                const std::string& pattern, bool isRegExp, bool autoWildcards) {
+    index.ClearResults();
+    IndexSearcher searcher(pass);
+    const bool started = searcher.Start(&index, pattern.c_str(), isRegExp, autoWildcards);
+    loam::ClearErrors();
+    if (started)
+        searcher.RunToEnd(nullptr);
+    return {started, Collect(index)};
+}
+
+void ExpectSamePasses(IndexData& index, const std::string& pattern, bool isRegExp,
+                      bool autoWildcards) {
+    const auto plain = Search(index, IndexSearcher::Pass::Plain, pattern, isRegExp, autoWildcards);
+    const auto fast = Search(index, IndexSearcher::Pass::Fast, pattern, isRegExp, autoWildcards);
+    EXPECT_EQ(fast.first, plain.first) << pattern;
+    EXPECT_EQ(fast.second, plain.second)
+        << "pattern '" << pattern << "' regexp " << isRegExp << " auto " << autoWildcards;
+}
+
+class FastPassTest : public ::testing::Test {
+protected:
+    void SetUp() override { loam::ClearErrors(); }
+    void TearDown() override { loam::ClearErrors(); }
+    IndexData index;
+    Generator generator{20240611};
+};
+
+TEST_F(FastPassTest, FindsWhatThePlainPassFinds) {
+    Names names;
+    for (int i = 0; i < 1500; ++i)
+        names.push_back(generator.Name());
+    LoadIndex(index, names);
+    for (int i = 0; i < 250; ++i) {
+        const std::string wildcards = generator.Wildcards();
+        ExpectSamePasses(index, wildcards, false, false);
+        ExpectSamePasses(index, wildcards, false, true);
+        ExpectSamePasses(index, generator.Expression(), true, false);
+    }
+}
+
+// Several slices, with records that match at slice boundaries and in the last record.
+TEST_F(FastPassTest, FindsWhatThePlainPassFindsAcrossSlices) {
+    Names names;
+    for (int i = 0; i < 3 * IndexSearcher::SliceRecords; ++i)
+        names.push_back(i % 9973 == 0 || i % IndexSearcher::SliceRecords >= 9996
+                            ? "report.TXT"
+                            : std::string(generator.Pick(2) ? "x" : "a.tx"));
+    names.back() = "Report.txt";
+    LoadIndex(index, names);
+    for (const char* pattern : {"report", "*.txt", "x", "*x", "?*.t?t", "", "*a*"})
+        ExpectSamePasses(index, pattern, false, true);
+    for (const char* pattern : {"report\\..*", ".*\\.txt$", "x", "[r]eport.*"})
+        ExpectSamePasses(index, pattern, true, false);
+}
+
+struct Giving {
+    const char* pattern;
+    bool isRegExp;
+    Names found;
+};
+
+// The matcher gives up on a long name that a pattern of many runs nearly matches, and that ends
+// the pass; the fast pass must end it on the same name, not pass over it.
+TEST_F(FastPassTest, EndsWhereThePlainPassGivesUp) {
+    LoadIndex(index, {"ab", std::string(MaxIndexNameLength, 'a'), "aaab", "aab"});
+    const Giving table[] = {
+        {"*a*a*a*b", false, {}},
+        {".*a.*a.*a.*b", true, {}},
+        {"*a*b", false, {"ab", "ab", "aaab", "aab"}},
+    };
+    for (const Giving& row : table) {
+        ExpectSamePasses(index, row.pattern, row.isRegExp, false);
+        Names found;
+        for (const IndexRecord* record : Collect(index))
+            found.push_back(record->GetName());
+        EXPECT_EQ(found, row.found) << row.pattern;
+    }
+}
+
+} // namespace
