@@ -224,6 +224,14 @@ loam::String IndexData::GetPathOf(const IndexRecord* record) const {
     return path.GetPath();
 }
 
+loam::String IndexData::GetDumpLine(const IndexRecord* record) const {
+    loam::String line = GetPathOf(record);
+    if (record->IsFolder() && !line.IsEmpty() &&
+        line.GetCString()[line.GetLength() - 1] != loam::NativeSeparator)
+        line.Append(loam::NativeSeparator);
+    return line;
+}
+
 void IndexData::DumpToText(const loam::FileSpec& textFile) const {
     loam::DiskFile file;
     if (!file.OpenFile(textFile, loam::FileModeWrite)) {
@@ -231,12 +239,7 @@ void IndexData::DumpToText(const loam::FileSpec& textFile) const {
         return;
     }
     for (int32_t ordinal = 0; ordinal < GetRecordCount(); ++ordinal) {
-        const IndexRecord* record = records[ordinal];
-        loam::String line = GetPathOf(record);
-        if (record->IsFolder() && !line.IsEmpty() &&
-            line.GetCString()[line.GetLength() - 1] != loam::NativeSeparator)
-            line.Append(loam::NativeSeparator);
-        if (!file.WriteLine(line)) {
+        if (!file.WriteLine(GetDumpLine(records[ordinal]))) {
             loam::ClearErrors();
             return;
         }

@@ -58,6 +58,8 @@ public:
 
     // One line per record, full paths with a separator after each folder.
     void DumpToText(const loam::FileSpec& textFile) const;
+    // A record's line in the text dump: its full path, a folder's ending in the separator.
+    loam::String GetDumpLine(const IndexRecord* record) const;
 
 private:
     bool BuildTables(const char* firstRecord, uint32_t bytes);

@@ -278,20 +278,34 @@ int RunStatus(const Request& request) {
     return output.Finish() ? ExitMatched : ExitError;
 }
 
-// The dump reports no failure of its own, so the target is tried first: a folder that does not
-// exist or a file that may not be written is told in the system's words.
+// Standard output may be a pipe or a file opened for appending: it is written, never reopened.
+int DumpToStandardOutput(const IndexData& index) {
+    Output output;
+    for (int32_t ordinal = 0; ordinal < index.GetRecordCount(); ++ordinal) {
+        loam::String line = index.GetDumpLine(index.GetRecord(ordinal));
+        line.Append("\r\n");
+        if (!output.Write(line.GetCString(), static_cast<size_t>(line.GetLength())))
+            break;
+    }
+    return output.Finish() ? ExitMatched : ExitError;
+}
+
+// The same lines as the index's own dump, but a file that cannot be made or filled, a full disk
+// above all, is told in the system's words rather than left half written in silence.
 int RunDump(const Request& request) {
     IndexData index;
     if (!index.Load(GetIndexFile(request)))
         return FailWithTopError();
-    const bool toStandardOutput = std::strcmp(request.dumpFile, "-") == 0;
-    const loam::FileSpec target(toStandardOutput ? "/dev/stdout" : request.dumpFile);
-    loam::DiskFile probe;
-    if (!probe.OpenFile(target, loam::FileModeWrite))
+    if (std::strcmp(request.dumpFile, "-") == 0)
+        return DumpToStandardOutput(index);
+    loam::DiskFile file;
+    if (!file.OpenFile(loam::FileSpec(request.dumpFile), loam::FileModeWrite))
         return FailWithTopError();
-    probe.Close();
-    index.DumpToText(target);
-    return ExitMatched;
+    for (int32_t ordinal = 0; ordinal < index.GetRecordCount(); ++ordinal) {
+        if (!file.WriteLine(index.GetDumpLine(index.GetRecord(ordinal))))
+            return FailWithTopError();
+    }
+    return file.Flush() ? ExitMatched : FailWithTopError();
 }
 
 int RunHelp(const Request&) {

@@ -214,6 +214,9 @@ TEST_F(SorvantaFindTest, DumpsTheIndexAsText) {
     const Outcome refused = Run({"-d", Path("index.idx"), "--dump", Path("no/such/dump.txt")});
     EXPECT_EQ(refused.exitCode, 2);
     EXPECT_NE(refused.err, "");
+    const Outcome full = Run({"-d", Path("index.idx"), "--dump", "/dev/full"});
+    EXPECT_EQ(full.exitCode, 2);
+    EXPECT_NE(full.err.find("insufficient space"), std::string::npos) << full.err;
 }
 
 TEST_F(SorvantaFindTest, AClosedPipeEndsQuietly) {
