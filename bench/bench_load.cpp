@@ -27,9 +27,9 @@ public:
         if (!mkdtemp(pattern.data()))
             return;
         folder = pattern;
-        spec = loam::FileSpec((folder + "/sorvanta.idx").c_str());
-        if (GenerateIndex(spec, records, 1))
-            size = spec.GetFileSize();
+        location = loam::FileSpec((folder + "/sorvanta.idx").c_str());
+        if (GenerateIndex(location, records, 1))
+            size = location.GetFileSize();
     }
     ~BenchIndex() {
         if (!folder.empty())
@@ -37,7 +37,7 @@ public:
     }
 
     std::string folder;
-    loam::FileSpec spec;
+    loam::FileSpec location;
     uint32_t size = 0;
 };
 
@@ -72,7 +72,7 @@ template <typename Buffer, Buffer (*allocate)(uint32_t)> void ReadFile(benchmark
     for (auto _ : state) {
         Buffer buffer = allocate(index.size);
         loam::DiskFile file;
-        if (!buffer || !file.OpenFile(index.spec, loam::FileModeRead) ||
+        if (!buffer || !file.OpenFile(index.location, loam::FileModeRead) ||
             !file.Read(buffer.get(), index.size, nullptr)) {
             state.SkipWithError("the index could not be read");
             return;
@@ -105,7 +105,7 @@ void LoadIndex(benchmark::State& state) {
     for (auto _ : state) {
         const size_t before = MappedBytes();
         IndexData data;
-        if (!data.Load(index.spec)) {
+        if (!data.Load(index.location)) {
             state.SkipWithError("the index could not be loaded");
             return;
         }

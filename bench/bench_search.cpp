@@ -27,8 +27,8 @@ public:
         if (!mkdtemp(pattern.data()))
             return;
         folder = pattern;
-        const loam::FileSpec spec((folder + "/sorvanta.idx").c_str());
-        loaded = GenerateIndex(spec, records, 1) && index.Load(spec);
+        const loam::FileSpec location((folder + "/sorvanta.idx").c_str());
+        loaded = GenerateIndex(location, records, 1) && index.Load(location);
     }
     ~BenchIndex() {
         if (!folder.empty())

@@ -24,9 +24,9 @@ bool RaiseWithReason(uint32_t code, int message, int error) {
     return RaiseFormatted(code, GetStandardMessage(message), std::strerror(error));
 }
 
-bool RaiseCannotOpen(const FileSpec& spec, int error) {
+bool RaiseCannotOpen(const FileSpec& location, int error) {
     return RaiseFormatted(ErrorCannotOpen, GetStandardMessage(MessageCannotOpen),
-                          spec.GetPath().GetCString(), std::strerror(error));
+                          location.GetPath().GetCString(), std::strerror(error));
 }
 
 bool RaiseWriteFailure(int error) {
@@ -103,17 +103,17 @@ DiskFile::~DiskFile() {
     Close();
 }
 
-bool DiskFile::SetFileSpec(const FileSpec& spec) {
+bool DiskFile::SetFileSpec(const FileSpec& location) {
     if (stream)
         return RaiseStandard(ErrorCannotOpen, MessageAlreadyOpen);
-    if (spec.IsEmpty())
+    if (location.IsEmpty())
         return RaiseStandard(ErrorCannotOpen, MessageEmptyFileName);
-    fileSpec = spec;
+    fileSpec = location;
     return true;
 }
 
-bool DiskFile::OpenFile(const FileSpec& spec, uint32_t mode) {
-    return SetFileSpec(spec) && Open(mode);
+bool DiskFile::OpenFile(const FileSpec& location, uint32_t mode) {
+    return SetFileSpec(location) && Open(mode);
 }
 
 bool DiskFile::Open(uint32_t mode) {

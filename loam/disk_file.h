@@ -15,9 +15,9 @@ public:
     DiskFile& operator=(const DiskFile&) = delete;
     ~DiskFile() override;
 
-    bool SetFileSpec(const FileSpec& spec);
+    bool SetFileSpec(const FileSpec& location);
     const FileSpec& GetFileSpec() const { return fileSpec; }
-    bool OpenFile(const FileSpec& spec, uint32_t mode);
+    bool OpenFile(const FileSpec& location, uint32_t mode);
 
     bool Open(uint32_t mode) override;
     void Close() override;

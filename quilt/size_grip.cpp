@@ -55,9 +55,9 @@ bool SizeGrip::CreateInCorner(Window& dialog) {
     if (!dialog.GetClientRect(client)) {
         return false;
     }
-    ChildControl spec{"STATIC",  loam::String(), VisibleChildStyle, GetGripRect(client),
-                      ControlId, false};
-    if (!CreateControl(&dialog, spec)) {
+    ChildControl childSpec{"STATIC",  loam::String(), VisibleChildStyle, GetGripRect(client),
+                           ControlId, false};
+    if (!CreateControl(&dialog, childSpec)) {
         return false;
     }
     Enable(false);

@@ -57,9 +57,9 @@ bool Window::CreateFromResource(Window* parentWindow, int32_t kind, const loam::
     return imp->CreateFromResource(*this, parentWindow, kind, title);
 }
 
-bool Window::CreateControl(Window* parentWindow, const ChildControl& spec) {
+bool Window::CreateControl(Window* parentWindow, const ChildControl& childSpec) {
     parent = parentWindow;
-    return parentWindow != nullptr && parentWindow->GetImp()->CreateChildControl(*this, spec);
+    return parentWindow != nullptr && parentWindow->GetImp()->CreateChildControl(*this, childSpec);
 }
 
 void Window::Unbind() {

@@ -61,7 +61,7 @@ public:
     bool Create(Window* parentWindow, int32_t kind, const loam::String* title);
     bool CreateFromResource(Window* parentWindow, int32_t kind, const loam::ResourceId* title);
     // Makes this window a control, made by code, of the parent's native window.
-    bool CreateControl(Window* parentWindow, const ChildControl& spec);
+    bool CreateControl(Window* parentWindow, const ChildControl& childSpec);
     void Unbind();
     void Destroy() { imp->Destroy(); }
     void Center() { imp->Center(); }

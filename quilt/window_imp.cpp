@@ -54,9 +54,9 @@ bool WindowImp::ConstrainSize(Size& size) {
     return owner->OnConstrainSize(size);
 }
 
-bool WindowImp::CreateChildControl(Window& control, const ChildControl& spec) {
-    int32_t id = spec.id == -1 ? GetFreeChildId() : spec.id;
-    return CreateNativeChild(control, spec, id);
+bool WindowImp::CreateChildControl(Window& control, const ChildControl& childSpec) {
+    int32_t id = childSpec.id == -1 ? GetFreeChildId() : childSpec.id;
+    return CreateNativeChild(control, childSpec, id);
 }
 
 void WindowImp::NotifyNativeDestroyed() {

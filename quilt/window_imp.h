@@ -174,10 +174,10 @@ public:
     // `size` is what the window must take.
     bool ConstrainSize(Size& size);
     // Makes a control as a child of this window's native window.
-    bool CreateChildControl(Window& control, const ChildControl& spec);
+    bool CreateChildControl(Window& control, const ChildControl& childSpec);
 
 protected:
-    virtual bool CreateNativeChild(Window& control, const ChildControl& spec, int32_t id) = 0;
+    virtual bool CreateNativeChild(Window& control, const ChildControl& childSpec, int32_t id) = 0;
     // Called by a backend when its native window has gone, after it has forgotten the handle:
     // the window's timers end, the main window's end quits the application, then OnDestroy.
     void NotifyNativeDestroyed();

@@ -44,8 +44,8 @@ void GetSystemErrorText(int error, String& out) {
 
 // Looks at what the path names, a trailing separator or not: the system refuses "file/", while
 // a folder tree being made must still find that its parent "file/" is a file.
-bool Stat(const FileSpec& spec, struct stat& status) {
-    String text(spec.GetPath());
+bool Stat(const FileSpec& location, struct stat& status) {
+    String text(location.GetPath());
     while (text.GetLength() > 1 && text.GetCString()[text.GetLength() - 1] == NativeSeparator)
         text.Truncate(text.GetLength() - 1);
     return ::stat(text.GetCString(), &status) == 0;

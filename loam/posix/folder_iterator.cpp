@@ -71,8 +71,8 @@ void ReadEntries(int folder, FolderSnapshot& snapshot) {
 }
 
 // A path ending in "/" is resolved through a final symbolic link whatever the flags say.
-String WithoutFinalSeparator(const FileSpec& spec) {
-    String path(spec.GetPath());
+String WithoutFinalSeparator(const FileSpec& location) {
+    String path(location.GetPath());
     const int32_t length = path.GetLength();
     if (length > 1 && path.GetCString()[length - 1] == '/')
         path.Truncate(length - 1);

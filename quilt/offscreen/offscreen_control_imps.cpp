@@ -19,13 +19,13 @@ bool CreateControl(Window& control, Window* parent, const char* className, uint3
     if (parent == nullptr) {
         return false;
     }
-    ChildControl spec;
-    spec.className = className;
-    spec.style = style;
-    spec.rect = rect;
-    spec.id = id;
-    spec.tabStop = (style & StyleTabStop) != 0;
-    return parent->GetImp()->CreateChildControl(control, spec);
+    ChildControl childSpec;
+    childSpec.className = className;
+    childSpec.style = style;
+    childSpec.rect = rect;
+    childSpec.id = id;
+    childSpec.tabStop = (style & StyleTabStop) != 0;
+    return parent->GetImp()->CreateChildControl(control, childSpec);
 }
 
 struct EditNotification {

@@ -382,16 +382,17 @@ void Offscreen_WindowImp::OnNativeWindowGone() {
     NotifyNativeDestroyed();
 }
 
-bool Offscreen_WindowImp::CreateNativeChild(Window& control, const ChildControl& spec, int32_t id) {
+bool Offscreen_WindowImp::CreateNativeChild(Window& control, const ChildControl& childSpec,
+                                            int32_t id) {
     auto* controlImp = dynamic_cast<Offscreen_WindowImp*>(control.GetImp());
     if (native == nullptr || controlImp == nullptr) {
         return false;
     }
-    uint32_t style = spec.style | (spec.tabStop ? uint32_t{StyleTabStop} : 0u);
-    auto created = MakeOffscreenWindow(spec.className, style, native);
+    uint32_t style = childSpec.style | (childSpec.tabStop ? uint32_t{StyleTabStop} : 0u);
+    auto created = MakeOffscreenWindow(childSpec.className, style, native);
     created->id = id;
-    created->text = spec.title;
-    created->rect = spec.rect;
+    created->text = childSpec.title;
+    created->rect = childSpec.rect;
     created->visible = true;
     created->scrollBars = controlImp->scrollBars;
     controlImp->parent = GetOwner();

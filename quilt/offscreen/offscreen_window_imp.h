@@ -70,7 +70,7 @@ public:
     static OffscreenWindow* GetNativeOf(Window* window);
 
 protected:
-    bool CreateNativeChild(Window& control, const ChildControl& spec, int32_t id) override;
+    bool CreateNativeChild(Window& control, const ChildControl& childSpec, int32_t id) override;
     void SetParentWindow(Window* window) { parent = window; }
 
 private:

@@ -26,10 +26,10 @@ class BuildIndexWindowTest : public SorvantaRunTest {
 protected:
     int32_t LoadedRecords(const char* name = indexName) const {
         IndexData index;
-        EXPECT_TRUE(index.Load(Spec(name)));
+        EXPECT_TRUE(index.Load(FileAt(name)));
         return index.GetRecordCount();
     }
-    IndexFileState State() const { return ReadIndexFileState(Spec(indexName)); }
+    IndexFileState State() const { return ReadIndexFileState(FileAt(indexName)); }
     // Runs until an idle slice has wanted more: the build is under way.
     bool RunFirstSlice() {
         return driver.RunUntil([this] { return application->GetIdleCount() > 0; });
@@ -120,7 +120,7 @@ TEST_F(SorvantaFolderTest, AHeadlessRunReportsAFailedOpenOnceAndEnds) {
     MakeFile("blocked", "");
     StoreIndexFolder("blocked/index");
     loam::DiskFile probe;
-    ASSERT_FALSE(probe.OpenFile(Spec("blocked/index/sorvanta.idx"), loam::FileModeWrite));
+    ASSERT_FALSE(probe.OpenFile(FileAt("blocked/index/sorvanta.idx"), loam::FileModeWrite));
     const std::string message = loam::GetCurrentErrorInfo().GetMessage().GetCString();
     loam::ClearErrors();
 

@@ -30,7 +30,7 @@ protected:
     // The index folder that the program will find in its settings.
     void StoreIndexFolder(const std::string& folder) const {
         loam::SetPreferenceLocation(PreferenceCompany, PreferenceProduct);
-        loam::GetPreferences().SetFileSpec(KeyIndexLocation, Spec(folder));
+        loam::GetPreferences().SetFileSpec(KeyIndexLocation, FileAt(folder));
     }
     void MakeFiles(const std::string& folder, int count) const {
         std::filesystem::create_directories(Path(folder));

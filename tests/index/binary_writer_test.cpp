@@ -26,7 +26,7 @@ protected:
         ScratchFolderTest::SetUp();
         alerts.clear();
         previousHandler = SetWriterAlertHandler(RecordAlert);
-        ASSERT_TRUE(file.OpenFile(Spec("sorvanta.idx"), loam::FileModeWrite));
+        ASSERT_TRUE(file.OpenFile(FileAt("sorvanta.idx"), loam::FileModeWrite));
         writer = std::make_unique<BinaryFileIndexWriter>(&file);
     }
     void TearDown() override {
@@ -42,7 +42,7 @@ protected:
     }
     void Load(IndexData& index) {
         Finished();
-        ASSERT_TRUE(index.Load(Spec("sorvanta.idx"))) << CurrentMessage();
+        ASSERT_TRUE(index.Load(FileAt("sorvanta.idx"))) << CurrentMessage();
     }
     static std::vector<uint32_t> Parents(const IndexData& index) {
         std::vector<uint32_t> parents;
@@ -79,7 +79,7 @@ TEST_F(BinaryWriterTest, RoundsNameBlocksToFourAndSkipsNamesTooLong) {
     for (const auto& row : cases) {
         const std::string name = "row" + std::to_string(row.length);
         loam::DiskFile rowFile;
-        ASSERT_TRUE(rowFile.OpenFile(Spec(name), loam::FileModeWrite));
+        ASSERT_TRUE(rowFile.OpenFile(FileAt(name), loam::FileModeWrite));
         BinaryFileIndexWriter rowWriter(&rowFile);
         rowWriter.AddRoot(loam::FileSpec("/"), 0);
         rowWriter.AddFile(loam::FileSpec(("/" + std::string(row.length, 'n')).c_str()), 7, 0);
@@ -154,10 +154,10 @@ TEST_F(BinaryWriterTest, AnAbandonedBuildLoadsEmptyAndIncomplete) {
     EXPECT_FALSE(file.IsOpen());
     EXPECT_EQ(ReadWhole("sorvanta.idx").substr(0, 12), std::string("\1\0\0\0\1\0\0\0\0\0\0\0", 12));
     IndexData index;
-    ASSERT_TRUE(index.Load(Spec("sorvanta.idx")));
+    ASSERT_TRUE(index.Load(FileAt("sorvanta.idx")));
     EXPECT_EQ(index.GetRecordCount(), 0);
     EXPECT_EQ(index.GetFileCount() + index.GetFolderCount(), 0u);
-    EXPECT_EQ(ReadIndexFileState(Spec("sorvanta.idx")), IndexFileState::Incomplete);
+    EXPECT_EQ(ReadIndexFileState(FileAt("sorvanta.idx")), IndexFileState::Incomplete);
 }
 
 } // namespace

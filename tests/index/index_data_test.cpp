@@ -23,7 +23,7 @@ class IndexDataTest : public ScratchFolderTest {
 protected:
     bool LoadBytes(IndexData& index, const std::string& bytes) {
         MakeFile("sorvanta.idx", bytes);
-        return index.Load(Spec("sorvanta.idx"));
+        return index.Load(FileAt("sorvanta.idx"));
     }
     // A file of the given length that takes no room on the disk.
     void MakeSparseFile(const std::string& name, off_t length) {
@@ -89,24 +89,24 @@ TEST_F(IndexDataTest, RefusesDamagedFilesWithTheirOwnWords) {
 
 TEST_F(IndexDataTest, RefusesWhatCannotBeLoadedWhole) {
     IndexData index;
-    EXPECT_FALSE(index.Load(Spec("missing.idx")));
+    EXPECT_FALSE(index.Load(FileAt("missing.idx")));
     ExpectFailure(index, "The index file was not found.");
     EXPECT_FALSE(index.Load(loam::FileSpec(root.c_str())));
     ExpectFailure(index, "The index file was not found.");
 
     MakeSparseFile("two-gib.idx", 1LL << 31);
-    EXPECT_FALSE(index.Load(Spec("two-gib.idx")));
+    EXPECT_FALSE(index.Load(FileAt("two-gib.idx")));
     ExpectFailure(index, cannotLoad);
     // Its size in 32 bits is that of a good index; the bytes behind give it away.
     const std::string good = SmallIndex().GetBytes();
     MakeSparseFile("wrapped.idx", (1LL << 32) + static_cast<off_t>(good.size()));
-    EXPECT_FALSE(index.Load(Spec("wrapped.idx")));
+    EXPECT_FALSE(index.Load(FileAt("wrapped.idx")));
     ExpectFailure(index, cannotLoad);
 
     if (geteuid() != 0) {
         MakeFile("locked.idx", good);
         std::filesystem::permissions(Path("locked.idx"), std::filesystem::perms::none);
-        EXPECT_FALSE(index.Load(Spec("locked.idx")));
+        EXPECT_FALSE(index.Load(FileAt("locked.idx")));
         ExpectFailure(index, "The index file could not be opened to load the data.");
     }
 }

@@ -59,10 +59,10 @@ TEST_F(IndexStatusTest, ReadsTheStateFreshFromTheFile) {
     };
     for (const auto& row : cases) {
         MakeFile("sorvanta.idx", row.bytes);
-        EXPECT_EQ(ReadIndexFileState(Spec("sorvanta.idx")), row.state) << row.what;
+        EXPECT_EQ(ReadIndexFileState(FileAt("sorvanta.idx")), row.state) << row.what;
         EXPECT_FALSE(loam::GetErrorState().GetCurrentError().GetCode()) << row.what;
     }
-    EXPECT_EQ(ReadIndexFileState(Spec("missing.idx")), IndexFileState::Unknown);
+    EXPECT_EQ(ReadIndexFileState(FileAt("missing.idx")), IndexFileState::Unknown);
 }
 
 TEST_F(IndexStatusTest, BuildsTheStatusLine) {
@@ -79,14 +79,14 @@ TEST_F(IndexStatusTest, BuildsTheStatusLine) {
     MakeFile("sorvanta.idx", image.GetBytes());
     SetFileTime("sorvanta.idx", 1000000);
     IndexData index;
-    ASSERT_TRUE(index.Load(Spec("sorvanta.idx")));
+    ASSERT_TRUE(index.Load(FileAt("sorvanta.idx")));
 
     loam::String line;
-    FormatIndexStatus(line, index, Spec("sorvanta.idx"), loam::DateTime(1000000 + 3 * 86400));
+    FormatIndexStatus(line, index, FileAt("sorvanta.idx"), loam::DateTime(1000000 + 3 * 86400));
     EXPECT_EQ(line, "Index status good, updated 3 days ago, 1,000 files in 1 folders, totalling "
                     "1.5 MB");
 
-    FormatIndexStatus(line, index, Spec("missing.idx"), loam::DateTime(0));
+    FormatIndexStatus(line, index, FileAt("missing.idx"), loam::DateTime(0));
     EXPECT_EQ(line, "Index not found.");
 }
 

@@ -26,7 +26,7 @@ const char* const walkLines = "/\r\n/docs/\r\n/docs/Report 2021.PDF\r\n/docs/old
 
 TEST_F(TextDumpTest, TextWriterMarksTheFileGoodOnlyWhenFinished) {
     loam::DiskFile file;
-    ASSERT_TRUE(file.OpenFile(Spec("finished.txt"), loam::FileModeWrite));
+    ASSERT_TRUE(file.OpenFile(FileAt("finished.txt"), loam::FileModeWrite));
     {
         TextFileIndexWriter writer(&file);
         Walk(writer);
@@ -34,7 +34,7 @@ TEST_F(TextDumpTest, TextWriterMarksTheFileGoodOnlyWhenFinished) {
     }
     EXPECT_EQ(ReadWhole("finished.txt"), std::string("GOOD\r\n") + walkLines);
 
-    ASSERT_TRUE(file.OpenFile(Spec("abandoned.txt"), loam::FileModeWrite));
+    ASSERT_TRUE(file.OpenFile(FileAt("abandoned.txt"), loam::FileModeWrite));
     {
         TextFileIndexWriter writer(&file);
         Walk(writer);
@@ -42,22 +42,22 @@ TEST_F(TextDumpTest, TextWriterMarksTheFileGoodOnlyWhenFinished) {
     EXPECT_FALSE(file.IsOpen());
     EXPECT_EQ(ReadWhole("abandoned.txt"), std::string("BAD!\r\n") + walkLines);
 
-    ASSERT_TRUE(file.OpenFile(Spec("nothing.txt"), loam::FileModeWrite));
+    ASSERT_TRUE(file.OpenFile(FileAt("nothing.txt"), loam::FileModeWrite));
     TextFileIndexWriter(&file).Finish();
     EXPECT_EQ(ReadWhole("nothing.txt"), "GOOD\r\n");
 }
 
 TEST_F(TextDumpTest, DumpOfALoadedIndexHasTheWritersLines) {
     loam::DiskFile file;
-    ASSERT_TRUE(file.OpenFile(Spec("sorvanta.idx"), loam::FileModeWrite));
+    ASSERT_TRUE(file.OpenFile(FileAt("sorvanta.idx"), loam::FileModeWrite));
     {
         BinaryFileIndexWriter writer(&file);
         Walk(writer);
         writer.Finish();
     }
     IndexData index;
-    ASSERT_TRUE(index.Load(Spec("sorvanta.idx")));
-    index.DumpToText(Spec("dump.txt"));
+    ASSERT_TRUE(index.Load(FileAt("sorvanta.idx")));
+    index.DumpToText(FileAt("dump.txt"));
     EXPECT_EQ(ReadWhole("dump.txt"), walkLines);
 }
 
@@ -69,11 +69,11 @@ TEST_F(TextDumpTest, DumpGivesEachRootItsWholePath) {
                                  .Record(1, 0xFFFFFFFF, "/srv/")
                                  .GetBytes());
     IndexData index;
-    ASSERT_TRUE(index.Load(Spec("sorvanta.idx")));
-    index.DumpToText(Spec("dump.txt"));
+    ASSERT_TRUE(index.Load(FileAt("sorvanta.idx")));
+    index.DumpToText(FileAt("dump.txt"));
     EXPECT_EQ(ReadWhole("dump.txt"), "/home/user/\r\n/home/user/a.cpp\r\n/srv/\r\n");
 
-    index.DumpToText(Spec("no-such-folder/dump.txt"));
+    index.DumpToText(FileAt("no-such-folder/dump.txt"));
     EXPECT_FALSE(loam::GetErrorState().GetCurrentError().GetCode());
 }
 

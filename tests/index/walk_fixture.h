@@ -66,8 +66,8 @@ public:
     int finishes = 0;
 
 private:
-    void Add(Kind kind, const loam::FileSpec& spec, uint32_t size, loam::DateTime modified) {
-        const std::string path = WithoutFinalSeparator(spec.GetPath().GetCString());
+    void Add(Kind kind, const loam::FileSpec& location, uint32_t size, loam::DateTime modified) {
+        const std::string path = WithoutFinalSeparator(location.GetPath().GetCString());
         if (kind != Kind::Root && !folders.count(path.substr(0, path.rfind('/'))))
             orphans.push_back(path);
         if (kind != Kind::File)

@@ -22,7 +22,7 @@ class DiskFileTest : public ScratchFolderTest {
 protected:
     void OpenWith(const std::string& content) {
         MakeFile("data", content);
-        ASSERT_TRUE(file.OpenFile(Spec("data"), FileModeRead));
+        ASSERT_TRUE(file.OpenFile(FileAt("data"), FileModeRead));
     }
 
     DiskFile file;
@@ -58,7 +58,7 @@ TEST_F(DiskFileTest, ReadLineGivesWholeLinesWithoutTheirEnds) {
     for (const auto& [content, lines] : cases) {
         MakeFile("lines", content);
         DiskFile reader;
-        ASSERT_TRUE(reader.OpenFile(Spec("lines"), FileModeRead));
+        ASSERT_TRUE(reader.OpenFile(FileAt("lines"), FileModeRead));
         loam::String line;
         for (const std::string& expected : lines) {
             ASSERT_TRUE(reader.ReadLine(line)) << content.size();
@@ -86,7 +86,7 @@ TEST_F(DiskFileTest, CreatedFilesArePrivateAndWriteTruncatesWhileAppendAppends) 
     } openUmask;
     MakeFile("old", "old content");
     for (const char* name : {"old", "new"}) {
-        ASSERT_TRUE(file.OpenFile(Spec(name), loam::FileModeWrite));
+        ASSERT_TRUE(file.OpenFile(FileAt(name), loam::FileModeWrite));
         ASSERT_TRUE(file.WriteLine(""));
         file.Close();
         ASSERT_TRUE(file.Open(loam::FileModeAppend));
@@ -104,7 +104,7 @@ TEST_F(DiskFileTest, EveryFailureSaysWhy) {
     MakeFile("huge", "");
     ASSERT_EQ(truncate(Path("huge").c_str(), 0x80000000LL), 0);
     DiskFile huge, closed, full;
-    ASSERT_TRUE(huge.OpenFile(Spec("huge"), FileModeRead));
+    ASSERT_TRUE(huge.OpenFile(FileAt("huge"), FileModeRead));
     OpenWith("abc");
     ASSERT_TRUE(full.OpenFile(loam::FileSpec("/dev/full"), loam::FileModeWrite));
     const std::string reason = "The application encountered an error accessing data in a file "
@@ -114,10 +114,10 @@ TEST_F(DiskFileTest, EveryFailureSaysWhy) {
     const std::tuple<std::function<bool()>, uint32_t, std::string> cases[] = {
         {[&] { return closed.OpenFile(loam::FileSpec(), FileModeRead); }, loam::ErrorCannotOpen,
          "The application tried to open a file using an empty filename."},
-        {[&] { return closed.OpenFile(Spec("missing"), FileModeRead); }, loam::ErrorCannotOpen,
+        {[&] { return closed.OpenFile(FileAt("missing"), FileModeRead); }, loam::ErrorCannotOpen,
          "The file '" + Path("missing") +
              "' could not be opened (reason: No such file or directory)."},
-        {[&] { return closed.OpenFile(Spec(""), FileModeRead); }, loam::ErrorCannotOpen,
+        {[&] { return closed.OpenFile(FileAt(""), FileModeRead); }, loam::ErrorCannotOpen,
          "The file '" + Path("") + "' could not be opened (reason: Is a directory)."},
         {[&] {
              uint32_t size = 0;

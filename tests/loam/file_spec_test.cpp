@@ -9,8 +9,8 @@ namespace {
 
 using loam::FileSpec;
 
-std::string Text(const FileSpec& spec) {
-    return spec.GetPath().GetCString();
+std::string Text(const FileSpec& location) {
+    return location.GetPath().GetCString();
 }
 
 TEST(FileSpecTest, ParentKeepsItsTrailingSeparator) {
@@ -70,11 +70,11 @@ TEST(FileSpecTest, LeafNameAndSeparatorConversion) {
         FileSpec(path).GetLeafName(out);
         EXPECT_STREQ(out.GetCString(), leaf) << path;
     }
-    FileSpec spec;
-    spec.SetPath("C:\\a\\b", '\\');
-    EXPECT_EQ(Text(spec), "C:/a/b");
+    FileSpec location;
+    location.SetPath("C:\\a\\b", '\\');
+    EXPECT_EQ(Text(location), "C:/a/b");
     loam::String windows;
-    spec.GetPathWithSeparator(windows, '\\');
+    location.GetPathWithSeparator(windows, '\\');
     EXPECT_STREQ(windows.GetCString(), "C:\\a\\b");
 }
 

@@ -55,8 +55,8 @@ TEST_F(FileSystemTest, KindSizeAndTimeOfWhatAPathNames) {
         {"file/", loam::FileKindFile, 5},
     };
     for (const auto& [name, kind, size] : cases) {
-        EXPECT_EQ(Spec(name).GetKind(), kind) << name;
-        EXPECT_EQ(Spec(name).GetFileSize(), size) << name;
+        EXPECT_EQ(FileAt(name).GetKind(), kind) << name;
+        EXPECT_EQ(FileAt(name).GetFileSize(), size) << name;
     }
     EXPECT_EQ(FileSpec().GetKind(), loam::FileKindNone);
     EXPECT_EQ(loam::GetCurrentErrorCode(), loam::ErrorNone);
@@ -64,9 +64,9 @@ TEST_F(FileSystemTest, KindSizeAndTimeOfWhatAPathNames) {
     const utimbuf times{1000000000, 1234567890};
     ASSERT_EQ(utime(Path("file").c_str(), &times), 0);
     loam::DateTime modified;
-    EXPECT_TRUE(Spec("file").GetModifiedTime(modified));
+    EXPECT_TRUE(FileAt("file").GetModifiedTime(modified));
     EXPECT_EQ(modified.GetSeconds(), 1234567890);
-    EXPECT_FALSE(Spec("missing").GetModifiedTime(modified));
+    EXPECT_FALSE(FileAt("missing").GetModifiedTime(modified));
     ExpectError(loam::ErrorNotFound, "No such file or directory");
 }
 
@@ -77,25 +77,25 @@ TEST_F(FileSystemTest, DeleteRemovesFilesFoldersAndLinksButNotWhatIsMissingOrFul
     MakeFile("full/inside", "x");
     ASSERT_EQ(symlink(Path("gone").c_str(), Path("dangling").c_str()), 0);
     for (const char* name : {"file", "empty", "dangling"}) {
-        EXPECT_TRUE(Spec(name).Delete()) << name;
+        EXPECT_TRUE(FileAt(name).Delete()) << name;
         EXPECT_FALSE(Exists(name)) << name;
     }
-    EXPECT_FALSE(Spec("missing").Delete());
+    EXPECT_FALSE(FileAt("missing").Delete());
     ExpectError(loam::ErrorNotFound, "File not found.");
-    EXPECT_FALSE(Spec("full").Delete());
+    EXPECT_FALSE(FileAt("full").Delete());
     ExpectError(loam::ErrorGeneral, "Directory not empty");
     EXPECT_TRUE(Exists("full/inside"));
 }
 
 TEST_F(FileSystemTest, FolderTreeIsMadeTopFirstAndNotThroughAFile) {
     RecordingHandler handler;
-    EXPECT_TRUE(Spec("a/b/c").CreateFolderTree(&handler));
+    EXPECT_TRUE(FileAt("a/b/c").CreateFolderTree(&handler));
     EXPECT_EQ(handler.folders, (std::vector<std::string>{Path("a/"), Path("a/b/"), Path("a/b/c")}));
-    EXPECT_EQ(Spec("a/b/c").GetKind(), loam::FileKindFolder);
-    EXPECT_FALSE(Spec("a/b/c").CreateFolderTree(nullptr));
+    EXPECT_EQ(FileAt("a/b/c").GetKind(), loam::FileKindFolder);
+    EXPECT_FALSE(FileAt("a/b/c").CreateFolderTree(nullptr));
     ExpectError(loam::ErrorAlreadyExists, "File exists");
     MakeFile("file", "x");
-    EXPECT_FALSE(Spec("file/sub/deeper").CreateFolderTree(nullptr));
+    EXPECT_FALSE(FileAt("file/sub/deeper").CreateFolderTree(nullptr));
     ExpectError(loam::ErrorAccessDenied, "Unable to create the folder \"" + Path("file/") +
                                              "\" because it already exists as a file.");
 }
@@ -114,28 +114,28 @@ TEST_F(FileSystemTest, CopyReportsEveryFullBufferButNotTheLastPass) {
             content[i] = static_cast<char>(i % 251);
         MakeFile("source", content);
         RecordingHandler handler;
-        ASSERT_TRUE(Spec("source").Copy(Spec("copy"), false, &handler)) << size;
+        ASSERT_TRUE(FileAt("source").Copy(FileAt("copy"), false, &handler)) << size;
         EXPECT_EQ(handler.progress, progress) << size;
         EXPECT_TRUE(ReadWhole("copy") == content) << size;
-        ASSERT_TRUE(Spec("copy").Delete());
+        ASSERT_TRUE(FileAt("copy").Delete());
     }
 }
 
 TEST_F(FileSystemTest, CopyReplacesAFileMakesFoldersWhenAskedAndRefusesAFolder) {
     MakeFile("source", "new");
     MakeFile("copy", "a much longer old content");
-    ASSERT_TRUE(Spec("source").Copy(Spec("copy"), false, nullptr));
+    ASSERT_TRUE(FileAt("source").Copy(FileAt("copy"), false, nullptr));
     EXPECT_EQ(ReadWhole("copy"), "new");
 
-    EXPECT_FALSE(Spec("source").Copy(Spec("made/here/copy"), false, nullptr));
+    EXPECT_FALSE(FileAt("source").Copy(FileAt("made/here/copy"), false, nullptr));
     EXPECT_EQ(loam::GetCurrentErrorCode(), loam::ErrorCannotOpen);
     loam::ClearErrors();
     RecordingHandler handler;
-    ASSERT_TRUE(Spec("source").Copy(Spec("made/here/copy"), true, &handler));
+    ASSERT_TRUE(FileAt("source").Copy(FileAt("made/here/copy"), true, &handler));
     EXPECT_EQ(ReadWhole("made/here/copy"), "new");
     EXPECT_EQ(handler.folders, (std::vector<std::string>{Path("made/"), Path("made/here/")}));
 
-    EXPECT_FALSE(Spec("source").Copy(Spec("made"), false, nullptr));
+    EXPECT_FALSE(FileAt("source").Copy(FileAt("made"), false, nullptr));
     ExpectError(loam::ErrorAccessDenied,
                 "Unable to copy to \"" + Path("made") + "\" because it is a folder.");
 }
@@ -144,7 +144,7 @@ TEST_F(FileSystemTest, CancelledCopyLeavesNoDestinationAndTheHandlersErrorOnTop)
     MakeFile("source", std::string(200000, 'x'));
     MakeFile("copy", "old");
     RecordingHandler handler(2);
-    EXPECT_FALSE(Spec("source").Copy(Spec("copy"), false, &handler));
+    EXPECT_FALSE(FileAt("source").Copy(FileAt("copy"), false, &handler));
     EXPECT_EQ(handler.progress, (std::vector<uint32_t>{65536, 131072}));
     EXPECT_FALSE(Exists("copy"));
     ExpectError(loam::ErrorGeneral, "Cancelled by the user.");

@@ -57,7 +57,7 @@ protected:
     }
 
     std::string Path(const std::string& name) const { return root + "/" + name; }
-    loam::FileSpec Spec(const std::string& name) const {
+    loam::FileSpec FileAt(const std::string& name) const {
         return loam::FileSpec(Path(name).c_str());
     }
 

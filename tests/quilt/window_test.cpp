@@ -223,8 +223,8 @@ TEST_F(WindowTest, PointsMapBetweenWindows) {
     Window& parent = MakeTopWindow();
     parent.SetRect(Rect{100, 50, 500, 450}, true);
     Window child;
-    quilt::ChildControl spec{"Static", loam::String(), 0, Rect{10, 20, 30, 40}, 1100, false};
-    child.CreateControl(&parent, spec);
+    quilt::ChildControl childSpec{"Static", loam::String(), 0, Rect{10, 20, 30, 40}, 1100, false};
+    child.CreateControl(&parent, childSpec);
     Point point{1, 2};
     child.MapPoint(&parent, point);
     EXPECT_EQ(point.x, 11);
@@ -351,9 +351,9 @@ TEST_F(WindowTest, UnhandledCommandsGoToTheParent) {
     CommandWindow parent;
     parent.Create(nullptr, quilt::WindowKindTop, nullptr);
     Window control;
-    quilt::ChildControl spec;
-    spec.className = "Button";
-    ASSERT_TRUE(control.CreateControl(&parent, spec));
+    quilt::ChildControl childSpec;
+    childSpec.className = "Button";
+    ASSERT_TRUE(control.CreateControl(&parent, childSpec));
     EXPECT_TRUE(control.OnCommand(500));
     EXPECT_FALSE(control.OnCommand(501));
     EXPECT_EQ(parent.saves, 1);

@@ -35,13 +35,13 @@ protected:
         loam::DiskFile file;
         ASSERT_TRUE(file.OpenFile(loam::FileSpec(path.c_str()), loam::FileModeWrite));
         BinaryFileIndexWriter writer(&file);
-        writer.AddRoot(Spec("tree"), 0);
-        writer.AddFolder(Spec("tree/docs"), 0);
-        writer.AddFile(Spec("tree/docs/readme.txt"), 100, 0);
-        writer.AddFile(Spec("tree/docs/Old README.txt"), 200, 0);
-        writer.AddFile(Spec("tree/NOTES.TXT"), 300, 0);
-        writer.AddFolder(Spec("tree/src"), 0);
-        writer.AddFile(Spec("tree/src/main.cpp"), 400, 0);
+        writer.AddRoot(FileAt("tree"), 0);
+        writer.AddFolder(FileAt("tree/docs"), 0);
+        writer.AddFile(FileAt("tree/docs/readme.txt"), 100, 0);
+        writer.AddFile(FileAt("tree/docs/Old README.txt"), 200, 0);
+        writer.AddFile(FileAt("tree/NOTES.TXT"), 300, 0);
+        writer.AddFolder(FileAt("tree/src"), 0);
+        writer.AddFile(FileAt("tree/src/main.cpp"), 400, 0);
         writer.Finish();
     }
 
