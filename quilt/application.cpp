@@ -3,6 +3,8 @@
 #include "quilt/imp_factory.h"
 #include "quilt/window.h"
 
+#include <iterator>
+#include <utility>
 #include <vector>
 
 namespace quilt {
@@ -22,7 +24,22 @@ loam::String JoinArguments(int argc, char** argv) {
     return text;
 }
 
+using TrayHandler = void (Application::*)(uint32_t event);
+
 } // namespace
+
+bool ApplicationImp::RegisterHotKey(int32_t key, uint32_t modifiers, uint32_t& id) {
+    if (!RegisterNativeHotKey(nextHotKeyId, key, modifiers)) {
+        return false;
+    }
+    id = nextHotKeyId++;
+    return true;
+}
+
+void ApplicationImp::UnregisterHotKey(uint32_t& id) {
+    UnregisterNativeHotKey(id);
+    id = 0;
+}
 
 void ApplicationImp::Run() {
     if (application != nullptr) {
@@ -73,7 +90,11 @@ bool Application::OnCommand(int32_t id) {
 }
 
 void Application::CreateImp() {
-    imp = GetImpFactory().CreateApplicationImp();
+    SetImp(GetImpFactory().CreateApplicationImp());
+}
+
+void Application::SetImp(std::unique_ptr<ApplicationImp> platform) {
+    imp = std::move(platform);
     imp->SetApplication(this);
 }
 
@@ -96,6 +117,14 @@ bool Application::Start() {
     }
     if (!mainWindow->CreateFromResource(nullptr, WindowKindTop, &titleResource)) {
         return false;
+    }
+    if (useTray) {
+        if (!AddTrayIcon()) {
+            return false;
+        }
+        if (!showAtStart) {
+            return true;
+        }
     }
     mainWindow->Show(ShowModeShow);
     mainWindow->Update();
@@ -145,6 +174,108 @@ void Application::PumpMessages() {
     imp->PumpMessages();
 }
 
+void Application::Quit() {
+    if (trayActive || overrideActive) {
+        imp->RemoveTrayIcon();
+        trayActive = false;
+        overrideActive = false;
+    }
+    imp->Quit();
+}
+
+TrayAction Application::ClassifyTrayEvent(uint32_t event) {
+    auto has = [event](uint32_t bits) { return (event & bits) != 0; };
+    if (has(TrayEventRightButton) && has(TrayEventRelease)) {
+        return TrayActionMenu;
+    }
+    if (!has(TrayEventLeftButton) || !has(TrayEventPress | TrayEventDoubleClick)) {
+        return TrayActionNone;
+    }
+    return has(TrayEventShift) ? TrayActionSecondCommand : TrayActionFirstCommand;
+}
+
+void Application::OnTrayEvent(uint32_t event) {
+    static constexpr TrayHandler handlers[] = {
+        &Application::ShowTrayMenu,
+        &Application::GiveFirstTrayCommand,
+        &Application::GiveSecondTrayCommand,
+        &Application::IgnoreTrayEvent,
+    };
+    TrayAction action = ClassifyTrayEvent(event);
+    if (action < std::size(handlers)) {
+        // Through a copy: the sanitiser misreads an index into an array of member pointers.
+        TrayHandler handler = handlers[action];
+        (this->*handler)(event);
+    }
+}
+
+void Application::ShowTrayMenu(uint32_t event) {
+    loam::ResourceId menu = PrepareTrayMenu(trayMenuResource, event);
+    GiveCommand(imp->ShowTrayMenu(menu, firstTrayCommand));
+}
+
+void Application::GiveFirstTrayCommand(uint32_t) {
+    GiveCommand(overrideActive && overrideCommand != 0 ? overrideCommand : firstTrayCommand);
+}
+
+void Application::GiveSecondTrayCommand(uint32_t) {
+    GiveCommand(secondTrayCommand);
+}
+
+void Application::GiveCommand(uint32_t command) {
+    if (command != 0) {
+        OnCommand(static_cast<int32_t>(command));
+    }
+}
+
+void Application::DeliverHotKey(uint32_t id, uint32_t time) {
+    OnHotKey(id);
+    imp->NoteUserInput(time);
+}
+
+bool Application::AddTrayIcon() {
+    trayActive = imp->AddTrayIcon(smallIconResource, trayTipResource);
+    return trayActive;
+}
+
+// The icon is added when none is shown yet, so an override can show one without the tray.
+bool Application::UpdateTrayIcon(const loam::ResourceId& icon, const loam::ResourceId& tip) {
+    if (trayActive || overrideActive) {
+        return imp->ModifyTrayIcon(icon, tip);
+    }
+    return imp->AddTrayIcon(icon, tip);
+}
+
+bool Application::OverrideTrayIcon(const loam::ResourceId& icon, const loam::ResourceId& tip,
+                                   uint32_t command) {
+    overrideCommand = command;
+    if (!UpdateTrayIcon(icon, tip)) {
+        return false;
+    }
+    overrideActive = true;
+    return true;
+}
+
+void Application::RestoreTrayIcon() {
+    if (!overrideActive) {
+        return;
+    }
+    if (trayActive) {
+        imp->ModifyTrayIcon(smallIconResource, trayTipResource);
+    } else {
+        imp->RemoveTrayIcon();
+    }
+    overrideActive = false;
+}
+
+bool Application::RegisterHotKey(int32_t key, uint32_t modifiers, uint32_t& id) {
+    return imp->RegisterHotKey(key, modifiers, id);
+}
+
+void Application::UnregisterHotKey(uint32_t& id) {
+    imp->UnregisterHotKey(id);
+}
+
 const loam::String& Application::GetCommandLine() const {
     return imp->GetCommandLine();
 }
@@ -168,7 +299,7 @@ void NoteUserInput(uint32_t time) {
 
 void QuitApplication() {
     if (currentApplication != nullptr && currentApplication->GetImp() != nullptr) {
-        currentApplication->GetImp()->Quit();
+        currentApplication->Quit();
     }
 }
 

@@ -36,15 +36,36 @@ public:
     virtual void NoteUserInput(uint32_t time) { loop.NoteUserInput(time); }
     virtual void Quit() { loop.Quit(); }
 
+    // The icon in the desktop's notification area. A backend without one answers false.
+    virtual bool AddTrayIcon(const loam::ResourceId& icon, const loam::ResourceId& tip) = 0;
+    virtual bool ModifyTrayIcon(const loam::ResourceId& icon, const loam::ResourceId& tip) = 0;
+    virtual void RemoveTrayIcon() = 0;
+    // Shows the menu at the pointer with `defaultCommand` as its default item; the command the
+    // user chose, 0 when none.
+    virtual uint32_t ShowTrayMenu(const loam::ResourceId& menu, uint32_t defaultCommand) = 0;
+
+    // A system-wide key (KeyCode and KeyModifier bits); its events reach
+    // Application::DeliverHotKey. On success `id` is the new key's id, which is never 0.
+    bool RegisterHotKey(int32_t key, uint32_t modifiers, uint32_t& id);
+    // Sets `id` to 0.
+    void UnregisterHotKey(uint32_t& id);
+
     // The program's arguments, without its own name, joined by single blanks.
     void SetCommandLine(const loam::String& text) { commandLine = text; }
     const loam::String& GetCommandLine() const { return commandLine; }
 
     MessageLoop& GetLoop() { return loop; }
 
+protected:
+    virtual bool RegisterNativeHotKey(uint32_t id, int32_t key, uint32_t modifiers) = 0;
+    virtual void UnregisterNativeHotKey(uint32_t id) = 0;
+
 private:
+    static constexpr uint32_t FirstHotKeyId = 42;
+
     Application* application = nullptr;
     MessageLoop loop;
+    uint32_t nextHotKeyId = FirstHotKeyId;
     loam::String commandLine;
 };
 
@@ -71,6 +92,26 @@ private:
     bool enabled = false;
 };
 
+// What a click on the tray icon does.
+enum TrayAction : uint32_t {
+    TrayActionMenu = 0,
+    TrayActionFirstCommand = 1,
+    TrayActionSecondCommand = 2,
+    TrayActionNone = 3,
+};
+
+// The event word of a click on the tray icon: one button, one kind of click, held modifiers.
+enum TrayEventBit : uint32_t {
+    TrayEventLeftButton = 0x00000002,
+    TrayEventRightButton = 0x00000008,
+    TrayEventControl = 0x00010000,
+    TrayEventShift = 0x00020000,
+    TrayEventAlt = 0x00040000,
+    TrayEventPress = 0x01000000,
+    TrayEventRelease = 0x02000000,
+    TrayEventDoubleClick = 0x04000000,
+};
+
 // The one application object of the process. It owns the main window and the platform side.
 class Application : public MessageTarget {
 public:
@@ -90,6 +131,12 @@ public:
     virtual bool Start();
     virtual bool CreateMainWindow();
     virtual void OpenFile(const loam::FileSpec&) {}
+    virtual TrayAction ClassifyTrayEvent(uint32_t event);
+    // The menu to show for a click with `event`.
+    virtual loam::ResourceId PrepareTrayMenu(const loam::ResourceId& menu, uint32_t) {
+        return menu;
+    }
+    virtual void OnHotKey(uint32_t) {}
 
     void Run();
     void Shutdown();
@@ -99,6 +146,23 @@ public:
     // A map handler for a derived class: destroys the main window's native window.
     bool OnExitCommand();
     void PumpMessages();
+    // Removes the tray icon, then ends the main loop at its next pass.
+    void Quit();
+
+    // A backend reports each click on its tray icon here.
+    void OnTrayEvent(uint32_t event);
+    // A hot key's event, which counts as user input at `time`.
+    void DeliverHotKey(uint32_t id, uint32_t time);
+    // Shows `icon` and `tip` in the notification area, in place of the tray's own, until
+    // RestoreTrayIcon; a click then gives `command` instead of the first tray command, unless
+    // it is 0.
+    bool OverrideTrayIcon(const loam::ResourceId& icon, const loam::ResourceId& tip,
+                          uint32_t command);
+    void RestoreTrayIcon();
+    bool IsTrayActive() const { return trayActive; }
+    bool RegisterHotKey(int32_t key, uint32_t modifiers, uint32_t& id);
+    void UnregisterHotKey(uint32_t& id);
+    bool IsMinimiseToTray() const { return useTray && minimiseToTray; }
 
     ApplicationImp* GetImp() const { return imp.get(); }
     const loam::String& GetCommandLine() const;
@@ -115,10 +179,33 @@ protected:
     loam::ResourceId iconResource{loam::ResourceKindIcon, 0};
     loam::ResourceId smallIconResource{loam::ResourceKindIcon, 0};
     loam::ResourceId acceleratorResource{loam::ResourceKindAccelerators, 0};
+    loam::ResourceId trayMenuResource{loam::ResourceKindMenu, 0};
+    loam::ResourceId trayTipResource{loam::ResourceKindString, 0};
+    uint32_t firstTrayCommand = 0;
+    uint32_t secondTrayCommand = 0;
+    // Put an icon in the notification area at start.
+    bool useTray = false;
+    // With the tray in use, show the main window at start; otherwise it starts hidden.
+    bool showAtStart = true;
+    // With the tray in use, minimising the main window hides it.
+    bool minimiseToTray = true;
 
     std::unique_ptr<Window> mainWindow;
 
+    void SetImp(std::unique_ptr<ApplicationImp> platform);
+
 private:
+    bool AddTrayIcon();
+    bool UpdateTrayIcon(const loam::ResourceId& icon, const loam::ResourceId& tip);
+    void GiveCommand(uint32_t command);
+    void ShowTrayMenu(uint32_t event);
+    void GiveFirstTrayCommand(uint32_t event);
+    void GiveSecondTrayCommand(uint32_t event);
+    void IgnoreTrayEvent(uint32_t) {}
+
+    bool trayActive = false;
+    bool overrideActive = false;
+    uint32_t overrideCommand = 0;
     std::unique_ptr<ApplicationImp> imp;
     uint32_t idleCount = 0;
     std::set<IdleHandler*> idleHandlers;

@@ -16,4 +16,12 @@ bool Offscreen_ApplicationImp::CanReceiveEvents() {
     return GetOffscreenDesktop().CanReceiveEvents();
 }
 
+bool Offscreen_ApplicationImp::RegisterNativeHotKey(uint32_t id, int32_t key, uint32_t modifiers) {
+    return GetOffscreenDesktop().RegisterHotKey(id, key, modifiers);
+}
+
+void Offscreen_ApplicationImp::UnregisterNativeHotKey(uint32_t id) {
+    GetOffscreenDesktop().UnregisterHotKey(id);
+}
+
 } // namespace quilt

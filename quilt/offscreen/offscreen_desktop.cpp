@@ -273,6 +273,20 @@ OffscreenWindow* OffscreenDesktop::GetEventTarget(const PostedEvent& event) cons
     return focused != nullptr && focused->IsInside(window->GetTopLevel()) ? focused : window;
 }
 
+bool OffscreenDesktop::RegisterHotKey(uint32_t id, int32_t key, uint32_t modifiers) {
+    for (const auto& [registered, hotKey] : hotKeys) {
+        if (hotKey.key == key && hotKey.modifiers == modifiers) {
+            return false;
+        }
+    }
+    hotKeys[id] = HotKey{key, modifiers};
+    return true;
+}
+
+void OffscreenDesktop::PostHotKey(const OffscreenMessage& message) {
+    events.push_back(PostedEvent{0, message, false});
+}
+
 bool OffscreenDesktop::SetTimer(OffscreenWindow* window, uint32_t id, uint32_t interval) {
     interval = std::max(interval, MinimumTimerInterval);
     KillTimer(window, id);
@@ -304,6 +318,10 @@ bool OffscreenDesktop::ServeOneEvent() {
     }
     PostedEvent event = *due;
     events.erase(due);
+    if (event.message.kind == OffscreenMessageKind::HotKey) {
+        ServeHotKey(event.message);
+        return true;
+    }
     OffscreenWindow* window = GetEventTarget(event);
     // A disabled or hidden window gets no input, as under a modal dialog.
     if (window == nullptr || !window->IsEnabledAndVisible()) {
@@ -317,6 +335,15 @@ bool OffscreenDesktop::ServeOneEvent() {
         NoteUserInput(message.time);
     }
     return true;
+}
+
+// A key unregistered while its press waited is no hot key any more.
+void OffscreenDesktop::ServeHotKey(const OffscreenMessage& message) {
+    Application* application = Application::GetCurrent();
+    uint32_t id = static_cast<uint32_t>(message.value);
+    if (application != nullptr && hotKeys.count(id) != 0) {
+        application->DeliverHotKey(id, message.time);
+    }
 }
 
 // Each timer fires at most once per pump, however late the pump is.
@@ -424,6 +451,7 @@ void OffscreenDesktop::Reset() {
     }
     events.clear();
     timers.clear();
+    hotKeys.clear();
     focus = 0;
     capture = 0;
     waitDeadline.reset();

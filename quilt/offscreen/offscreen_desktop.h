@@ -43,6 +43,8 @@ enum class OffscreenMessageKind {
     // The user switches to the window, which takes the focus. A focus the program moves itself
     // is no user input; this is.
     Activate,
+    // A registered hot key was pressed; `value` is its id. It goes to no window.
+    HotKey,
 };
 
 struct OffscreenMessage {
@@ -159,6 +161,12 @@ public:
     bool SetTimer(OffscreenWindow* window, uint32_t id, uint32_t interval);
     void KillTimer(OffscreenWindow* window, uint32_t id);
 
+    // A key combination belongs to one hot key at a time.
+    bool RegisterHotKey(uint32_t id, int32_t key, uint32_t modifiers);
+    void UnregisterHotKey(uint32_t id) { hotKeys.erase(id); }
+    // Queues a press of the hot key `id` for the time in the message.
+    void PostHotKey(const OffscreenMessage& message);
+
     // Serves every due event, then every due timer once, then paints.
     void PumpMessages();
     // Lets the clock run to the next event; false when none can come or the deadline came first.
@@ -177,7 +185,7 @@ public:
     void SetModalHook(ModalHook hook) { modalHook = std::move(hook); }
     bool HasModalHook() const { return static_cast<bool>(modalHook); }
 
-    // Destroys every window and drops every event and timer.
+    // Destroys every window and drops every event, timer and hot key.
     void Reset();
 
 private:
@@ -194,7 +202,13 @@ private:
         uint64_t firedInPump;
     };
 
+    struct HotKey {
+        int32_t key;
+        uint32_t modifiers;
+    };
+
     bool ServeOneEvent();
+    void ServeHotKey(const OffscreenMessage& message);
     OffscreenWindow* GetEventTarget(const PostedEvent& event) const;
     bool FireOneTimer(uint64_t pump);
     void PaintWindows();
@@ -208,6 +222,7 @@ private:
     OffscreenHandle capture = 0;
     std::vector<PostedEvent> events;
     std::vector<NativeTimer> timers;
+    std::map<uint32_t, HotKey> hotKeys;
     uint64_t pumpCount = 0;
     std::optional<uint32_t> waitDeadline;
     std::vector<OffscreenHandle> modalWindows;

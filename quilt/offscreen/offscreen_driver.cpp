@@ -113,6 +113,13 @@ void OffscreenDriver::PostActivate(Window& window, std::optional<uint32_t> at) {
     Post(window, OffscreenMessage{OffscreenMessageKind::Activate}, at);
 }
 
+void OffscreenDriver::PostHotKey(uint32_t id, std::optional<uint32_t> at) {
+    OffscreenMessage message{OffscreenMessageKind::HotKey};
+    message.value = static_cast<int32_t>(id);
+    message.time = at.value_or(Now());
+    desktop.PostHotKey(message);
+}
+
 OffscreenDriver::RunEnd OffscreenDriver::Run(const std::function<bool()>& condition,
                                              uint32_t limit) {
     Application* application = Application::GetCurrent();

@@ -69,6 +69,8 @@ public:
     void PostClose(Window& window, std::optional<uint32_t> at = {});
     // The user switches to the window, which takes the focus.
     void PostActivate(Window& window, std::optional<uint32_t> at = {});
+    // The user presses the key combination of the hot key `id`.
+    void PostHotKey(uint32_t id, std::optional<uint32_t> at = {});
 
     // Runs the current application's main loop until it comes to rest: it quit, or it waits and
     // no event can come. False when `limit` ms of clock time passed first.
