@@ -24,8 +24,6 @@ loam::String JoinArguments(int argc, char** argv) {
     return text;
 }
 
-using TrayHandler = void (Application::*)(uint32_t event);
-
 } // namespace
 
 bool ApplicationImp::RegisterHotKey(int32_t key, uint32_t modifiers, uint32_t& id) {
@@ -195,18 +193,13 @@ TrayAction Application::ClassifyTrayEvent(uint32_t event) {
 }
 
 void Application::OnTrayEvent(uint32_t event) {
-    static constexpr TrayHandler handlers[] = {
-        &Application::ShowTrayMenu,
-        &Application::GiveFirstTrayCommand,
-        &Application::GiveSecondTrayCommand,
-        &Application::IgnoreTrayEvent,
-    };
-    TrayAction action = ClassifyTrayEvent(event);
-    if (action < std::size(handlers)) {
-        // Through a copy: the sanitiser misreads an index into an array of member pointers.
-        TrayHandler handler = handlers[action];
-        (this->*handler)(event);
-    }
+    const TrayAction action = ClassifyTrayEvent(event);
+    if (action == TrayActionMenu)
+        ShowTrayMenu(event);
+    else if (action == TrayActionFirstCommand)
+        GiveFirstTrayCommand(event);
+    else if (action == TrayActionSecondCommand)
+        GiveSecondTrayCommand(event);
 }
 
 void Application::ShowTrayMenu(uint32_t event) {

@@ -201,7 +201,6 @@ private:
     void ShowTrayMenu(uint32_t event);
     void GiveFirstTrayCommand(uint32_t event);
     void GiveSecondTrayCommand(uint32_t event);
-    void IgnoreTrayEvent(uint32_t) {}
 
     bool trayActive = false;
     bool overrideActive = false;
