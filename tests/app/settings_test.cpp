@@ -68,22 +68,16 @@ struct Snap {
     int32_t kept;
 };
 
-const Snap snaps[] = {
-    {1000, 1000},   {50000, 50000}, {50001, 50000},      {999, 1000}, {1, 1000},
-    {1001, 2000},   {60000, 50000}, {0, 1000},           {-1, 1000},  {-2500, 1000},
-    {49001, 50000}, {12345, 13000}, {2147483647, 50000},
-};
-
-TEST_F(SettingsTest, MaxResultsIsSnappedWhenSet) {
+// Set or read back, a count is snapped up to whole thousands within 1000 to 50000.
+TEST_F(SettingsTest, MaxResultsIsSnappedWhenSetAndWhenRead) {
+    const Snap snaps[] = {
+        {1000, 1000}, {50000, 50000}, {50001, 50000}, {999, 1000},         {1001, 2000},
+        {0, 1000},    {-1, 1000},     {12345, 13000}, {2147483647, 50000},
+    };
     for (const Snap& row : snaps) {
         SorvantaOptions::SetMaxResults(static_cast<int32_t>(row.given));
         EXPECT_EQ(SorvantaOptions::GetMaxResults(), row.kept) << row.given;
         EXPECT_EQ(StoredMaxResults(), static_cast<uint32_t>(row.kept)) << row.given;
-    }
-}
-
-TEST_F(SettingsTest, MaxResultsIsSnappedWhenRead) {
-    for (const Snap& row : snaps) {
         loam::GetPreferences().SetInt("MaxResults", static_cast<uint32_t>(row.given));
         SorvantaOptions::LoadSettings();
         EXPECT_EQ(SorvantaOptions::GetMaxResults(), row.kept) << row.given;

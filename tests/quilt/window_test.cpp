@@ -245,18 +245,6 @@ TEST_F(WindowTest, InputReachesEnabledWindowsOnly) {
     EXPECT_EQ(top.log, (std::vector<std::string>{"key 65 2", "down 65544 3,4"}));
 }
 
-TEST_F(WindowTest, FocusMovesBetweenWindows) {
-    MakeTopWindow();
-    EventWindow other;
-    other.Create(nullptr, quilt::WindowKindTop, nullptr);
-    top.SetFocus();
-    other.SetFocus();
-    EXPECT_TRUE(other.HasFocus());
-    EXPECT_FALSE(top.HasFocus());
-    other.Destroy();
-    EXPECT_FALSE(driver.HasFocus(top));
-}
-
 // A control whose native side answers every notification with `answer`.
 class AnsweringImp : public quilt::Offscreen_WindowImp {
 public:
