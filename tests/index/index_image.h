@@ -1,10 +1,12 @@
 #pragma once
 
+#include "index/index_data.h"
 #include "loam/scratch_folder.h"
 #include "loam/string.h"
 
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <string>
 
 inline std::string CurrentMessage() {
@@ -51,6 +53,12 @@ public:
         return *this;
     }
     const std::string& GetBytes() const { return bytes; }
+    // Loads these bytes as the image of an index file.
+    bool LoadInto(IndexData& index) const {
+        auto buffer = std::make_unique<char[]>(bytes.size());
+        std::memcpy(buffer.get(), bytes.data(), bytes.size());
+        return index.LoadImage(std::move(buffer), static_cast<uint32_t>(bytes.size()));
+    }
 
 private:
     std::string bytes;

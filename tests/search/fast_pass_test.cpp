@@ -107,10 +107,7 @@ void LoadIndex(IndexData& index, const Names& names) {
     image.Fixed(0, 255, 0).Raw(std::string(250, 'b') + std::string(".txt\0", 5));
     for (const std::string& name : names)
         image.Record(0, 0, name, 10);
-    const std::string& bytes = image.GetBytes();
-    auto buffer = std::make_unique<char[]>(bytes.size());
-    std::memcpy(buffer.get(), bytes.data(), bytes.size());
-    ASSERT_TRUE(index.LoadImage(std::move(buffer), static_cast<uint32_t>(bytes.size())));
+    ASSERT_TRUE(image.LoadInto(index));
 }
 
 Results Collect(const IndexData& index) {

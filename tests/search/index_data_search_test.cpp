@@ -54,10 +54,7 @@ protected:
             std::snprintf(name, sizeof name, "file%05d.%s", i, i % 7 == 0 ? "log" : "txt");
             image.Record(0, 0, name, 10);
         }
-        const std::string& bytes = image.GetBytes();
-        auto buffer = std::make_unique<char[]>(bytes.size());
-        std::memcpy(buffer.get(), bytes.data(), bytes.size());
-        ASSERT_TRUE(index.LoadImage(std::move(buffer), static_cast<uint32_t>(bytes.size())));
+        ASSERT_TRUE(image.LoadInto(index));
     }
     void TearDown() override { loam::ClearErrors(); }
 

@@ -20,10 +20,7 @@ void LoadIndex(IndexData& index, const Names& names, const std::string& root = "
     image.Header(1, 0, static_cast<int32_t>(names.size() + 1)).Record(1, 0xFFFFFFFF, root);
     for (const std::string& name : names)
         image.Record(0, 0, name, 10);
-    const std::string& bytes = image.GetBytes();
-    auto buffer = std::make_unique<char[]>(bytes.size());
-    std::memcpy(buffer.get(), bytes.data(), bytes.size());
-    ASSERT_TRUE(index.LoadImage(std::move(buffer), static_cast<uint32_t>(bytes.size())));
+    ASSERT_TRUE(image.LoadInto(index));
 }
 
 Names ResultNames(const IndexData& index) {
