@@ -3,6 +3,7 @@
 #include "index/index_format.h"
 #include "index/large_array.h"
 #include "loam/date_time.h"
+#include "loam/file_mapping.h"
 #include "loam/file_spec.h"
 #include "loam/string.h"
 
@@ -11,6 +12,11 @@
 namespace quilt {
 class Window;
 }
+
+// Where a loaded index's bytes come from: a copy read into memory of the program's own, which
+// stays whatever becomes of the file, or, for a short-lived reader, a view of the file itself
+// held by a lease (read after all where none can be had), which spares the copy.
+enum class IndexSource { Read, View };
 
 // A loaded index file: the file's bytes in one buffer, a table of pointers to its records, and
 // the result table of the last search. Paths are rebuilt on demand from the parent ordinals.
@@ -21,11 +27,11 @@ public:
     IndexData& operator=(const IndexData&) = delete;
     ~IndexData() { Release(); }
 
-    bool Load(loam::FileSpec indexFile);
-    // Takes the whole image of an index file, checks it and builds the tables; Load ends here.
+    bool Load(loam::FileSpec indexFile, IndexSource source = IndexSource::Read);
+    // Takes the whole image of an index file, checks it and builds the tables.
     bool LoadImage(LargeArray<char> image, uint32_t imageSize);
     void Release();
-    bool IsLoaded() const { return buffer != nullptr; }
+    bool IsLoaded() const { return image != nullptr; }
 
     // Runs a search under a progress dialog and leaves its matches in the result table.
     bool Search(const loam::String& pattern, bool isRegExp, bool autoWildcards,
@@ -62,10 +68,14 @@ public:
     loam::String GetDumpLine(const IndexRecord* record) const;
 
 private:
+    bool TakeImage(const char* bytes, uint32_t imageSize);
     bool BuildTables(const char* firstRecord, uint32_t bytes);
     bool IsResult(int32_t index) const { return index >= 0 && index < resultCount; }
 
+    // The image is the buffer's bytes or the mapping's.
     LargeArray<char> buffer;
+    loam::FileMapping mapping;
+    const char* image = nullptr;
     const IndexFileHeader* header = nullptr;
     uint32_t bufferSize = 0;
     LargeArray<const IndexRecord*> records;

@@ -216,6 +216,11 @@ loam::FileSpec GetIndexFile(const Request& request) {
     return SorvantaApp::GetIndexFile();
 }
 
+// A finder's run is short, so the index is seen where it lies rather than copied.
+bool LoadIndex(IndexData& index, const loam::FileSpec& file) {
+    return index.Load(file, IndexSource::View);
+}
+
 // Paths are built only for what is printed, and no longer once the output has failed. They are
 // built as IndexData::GetPathOf builds them, but results come in index order and most share
 // their folder with the one before, so the folder is walked up to only when it changes.
@@ -239,7 +244,7 @@ void WritePaths(Output& output, const IndexData& index, int32_t count, char term
 
 int RunSearch(const Request& request) {
     IndexData index;
-    if (!index.Load(GetIndexFile(request)))
+    if (!LoadIndex(index, GetIndexFile(request)))
         return FailWithTopError();
     IndexSearcher searcher;
     if (!searcher.Start(&index, request.pattern, request.isRegExp, request.autoWildcards))
@@ -267,7 +272,7 @@ int RunStatus(const Request& request) {
     if (file.GetKind() != loam::FileKindFile)
         return Fail(noIndexText);
     IndexData index;
-    if (!index.Load(file))
+    if (!LoadIndex(index, file))
         return FailWithTopError();
     RegisterSorvantaStrings();
     loam::String line;
@@ -294,7 +299,7 @@ int DumpToStandardOutput(const IndexData& index) {
 // above all, is told in the system's words rather than left half written in silence.
 int RunDump(const Request& request) {
     IndexData index;
-    if (!index.Load(GetIndexFile(request)))
+    if (!LoadIndex(index, GetIndexFile(request)))
         return FailWithTopError();
     if (std::strcmp(request.dumpFile, "-") == 0)
         return DumpToStandardOutput(index);

@@ -19,11 +19,13 @@ IndexImage SmallIndex(int32_t version = 1, int32_t count = 3) {
         .Record(0, 1, "a.txt", 300, 2000);
 }
 
-class IndexDataTest : public ScratchFolderTest {
+// Every case holds whether the index is read into memory or seen where it lies.
+class IndexDataTest : public ScratchFolderTest, public testing::WithParamInterface<IndexSource> {
 protected:
+    bool Load(IndexData& index, const loam::FileSpec& file) { return index.Load(file, GetParam()); }
     bool LoadBytes(IndexData& index, const std::string& bytes) {
         MakeFile("sorvanta.idx", bytes);
-        return index.Load(FileAt("sorvanta.idx"));
+        return Load(index, FileAt("sorvanta.idx"));
     }
     // A file of the given length that takes no room on the disk.
     void MakeSparseFile(const std::string& name, off_t length) {
@@ -42,7 +44,7 @@ protected:
     }
 };
 
-TEST_F(IndexDataTest, RefusesDamagedFilesWithTheirOwnWords) {
+TEST_P(IndexDataTest, RefusesDamagedFilesWithTheirOwnWords) {
     const std::string good = SmallIndex().GetBytes();
     const struct {
         const char* what;
@@ -87,31 +89,31 @@ TEST_F(IndexDataTest, RefusesDamagedFilesWithTheirOwnWords) {
     }
 }
 
-TEST_F(IndexDataTest, RefusesWhatCannotBeLoadedWhole) {
+TEST_P(IndexDataTest, RefusesWhatCannotBeLoadedWhole) {
     IndexData index;
-    EXPECT_FALSE(index.Load(FileAt("missing.idx")));
+    EXPECT_FALSE(Load(index, FileAt("missing.idx")));
     ExpectFailure(index, "The index file was not found.");
-    EXPECT_FALSE(index.Load(loam::FileSpec(root.c_str())));
+    EXPECT_FALSE(Load(index, loam::FileSpec(root.c_str())));
     ExpectFailure(index, "The index file was not found.");
 
     MakeSparseFile("two-gib.idx", 1LL << 31);
-    EXPECT_FALSE(index.Load(FileAt("two-gib.idx")));
+    EXPECT_FALSE(Load(index, FileAt("two-gib.idx")));
     ExpectFailure(index, cannotLoad);
     // Its size in 32 bits is that of a good index; the bytes behind give it away.
     const std::string good = SmallIndex().GetBytes();
     MakeSparseFile("wrapped.idx", (1LL << 32) + static_cast<off_t>(good.size()));
-    EXPECT_FALSE(index.Load(FileAt("wrapped.idx")));
+    EXPECT_FALSE(Load(index, FileAt("wrapped.idx")));
     ExpectFailure(index, cannotLoad);
 
     if (geteuid() != 0) {
         MakeFile("locked.idx", good);
         std::filesystem::permissions(Path("locked.idx"), std::filesystem::perms::none);
-        EXPECT_FALSE(index.Load(FileAt("locked.idx")));
+        EXPECT_FALSE(Load(index, FileAt("locked.idx")));
         ExpectFailure(index, "The index file could not be opened to load the data.");
     }
 }
 
-TEST_F(IndexDataTest, LoadsWhatTheHeaderCountsAndNothingBehind) {
+TEST_P(IndexDataTest, LoadsWhatTheHeaderCountsAndNothingBehind) {
     const struct {
         const char* what;
         std::string bytes;
@@ -169,7 +171,7 @@ std::string LargeImage(int32_t files, int32_t damaged, int damage) {
     return image.GetBytes();
 }
 
-TEST_F(IndexDataTest, ChecksEveryRecordOfALargeFile) {
+TEST_P(IndexDataTest, ChecksEveryRecordOfALargeFile) {
     constexpr int32_t files = 100000;
     IndexData index;
     ASSERT_TRUE(LoadBytes(index, LargeImage(files, 0, 0))) << CurrentMessage();
@@ -187,7 +189,7 @@ TEST_F(IndexDataTest, ChecksEveryRecordOfALargeFile) {
     }
 }
 
-TEST_F(IndexDataTest, AnswersForResultsAndRebuildsTheirPaths) {
+TEST_P(IndexDataTest, AnswersForResultsAndRebuildsTheirPaths) {
     IndexData index;
     ASSERT_TRUE(LoadBytes(index, SmallIndex().GetBytes()));
     for (int32_t i = 0; i < 3; ++i)
@@ -216,7 +218,7 @@ TEST_F(IndexDataTest, AnswersForResultsAndRebuildsTheirPaths) {
     EXPECT_EQ(index.GetResultCount(), 0);
 }
 
-TEST_F(IndexDataTest, AddsResultSizesInSixtyFourBits) {
+TEST_P(IndexDataTest, AddsResultSizesInSixtyFourBits) {
     const uint32_t threeGib = 3u << 30;
     IndexData index;
     ASSERT_TRUE(LoadBytes(index, IndexImage()
@@ -231,5 +233,8 @@ TEST_F(IndexDataTest, AddsResultSizesInSixtyFourBits) {
     EXPECT_EQ(index.GetResultPath(1), "/srv/data/two.iso");
     EXPECT_EQ(index.GetResultFolder(1), "/srv/data");
 }
+
+INSTANTIATE_TEST_SUITE_P(Sources, IndexDataTest,
+                         testing::Values(IndexSource::Read, IndexSource::View));
 
 } // namespace

@@ -1,0 +1,104 @@
+#include "loam/file_mapping.h"
+#include "loam/scratch_folder.h"
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <string>
+
+namespace {
+
+const std::string content = "index bytes\nand more of them\n";
+constexpr uint32_t maxSize = 1 << 20;
+
+class FileMappingTest : public ScratchFolderTest {
+protected:
+    std::string Viewed(const loam::FileMapping& mapping) const {
+        return std::string(mapping.GetData(), mapping.GetSize());
+    }
+};
+
+// Opens the file to write, emptying it, and writes a little: the open waits for the lease.
+void Rewrite(const std::string& path) {
+    const int descriptor = ::open(path.c_str(), O_WRONLY | O_TRUNC);
+    if (descriptor >= 0) {
+        (void)!::write(descriptor, "XY", 2);
+        ::close(descriptor);
+    }
+}
+
+void RewriteInAnotherProcess(const std::string& path) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        Rewrite(path);
+        ::_exit(0);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+}
+
+TEST_F(FileMappingTest, ShowsTheWholeFile) {
+    MakeFile("index", content);
+    loam::FileMapping mapping;
+    ASSERT_TRUE(mapping.Open(FileAt("index"), maxSize));
+    EXPECT_TRUE(mapping.IsOpen());
+    EXPECT_EQ(Viewed(mapping), content);
+    mapping.Close();
+    EXPECT_FALSE(mapping.IsOpen());
+    EXPECT_EQ(mapping.GetSize(), 0u);
+}
+
+TEST_F(FileMappingTest, RefusesWhatItCannotHold) {
+    MakeFile("empty", "");
+    MakeFile("large", std::string(100, 'x'));
+    MakeFile("written", content);
+    const int writer = ::open(Path("written").c_str(), O_WRONLY);
+    ASSERT_GE(writer, 0);
+    const struct {
+        const char* name;
+        uint32_t limit;
+    } cases[] = {{"missing", maxSize},
+                 {".", maxSize},
+                 {"empty", maxSize},
+                 {"large", 99},
+                 {"written", maxSize}};
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.name);
+        loam::FileMapping mapping;
+        EXPECT_FALSE(mapping.Open(FileAt(row.name), row.limit));
+        EXPECT_FALSE(mapping.IsOpen());
+    }
+    ::close(writer);
+    EXPECT_TRUE(loam::FileMapping().Open(FileAt("large"), 100));
+}
+
+TEST_F(FileMappingTest, KeepsItsBytesWhenTheFileIsRewritten) {
+    const struct {
+        const char* what;
+        void (*rewrite)(const std::string&);
+    } writers[] = {{"another process", RewriteInAnotherProcess}, {"this process", Rewrite}};
+    for (const auto& row : writers) {
+        SCOPED_TRACE(row.what);
+        MakeFile("index", content);
+        loam::FileMapping mapping;
+        ASSERT_TRUE(mapping.Open(FileAt("index"), maxSize));
+        const char* data = mapping.GetData();
+        row.rewrite(Path("index"));
+        EXPECT_EQ(ReadWhole("index"), "XY");
+        EXPECT_EQ(mapping.GetData(), data);
+        EXPECT_EQ(Viewed(mapping), content);
+    }
+}
+
+TEST_F(FileMappingTest, HoldsOneFileAtATime) {
+    MakeFile("first", content);
+    MakeFile("second", content);
+    loam::FileMapping first, second;
+    ASSERT_TRUE(first.Open(FileAt("first"), maxSize));
+    EXPECT_FALSE(second.Open(FileAt("second"), maxSize));
+    first.Close();
+    EXPECT_TRUE(second.Open(FileAt("second"), maxSize));
+}
+
+} // namespace
