@@ -219,6 +219,7 @@ bool IndexSearcher::Compile(const loam::String& text) {
 // one, the records are searched for a piece of it, and without, each name is put to the glob.
 void IndexSearcher::ChooseMode(bool isGlob, int32_t expressionLength) {
     testRecords = &IndexSearcher::MatchRecords;
+    suffixLength = 0;
     if (!isGlob || (!glob.IsExact() && !glob.HasLiteral()) || !FoldsAsciiOnly(expression))
         return;
     trustedLength = TrustedLength(expressionLength, glob.GetRetriedRepeats());
@@ -227,6 +228,11 @@ void IndexSearcher::ChooseMode(bool isGlob, int32_t expressionLength) {
         anchor = ChooseAnchor(glob, SampleBytes(*index));
         testRecords = &IndexSearcher::ScanRecords;
     }
+    const std::vector<std::string>& pieces = glob.GetPieces();
+    suffixLength = glob.IsExact() && trustedLength == LongestLoadableName && pieces.size() == 2 &&
+                           pieces[0].empty() && pieces[1].find('\0') == std::string::npos
+                       ? pieces[1].size()
+                       : 0;
 }
 
 // A failure inside the library ends the pass: what was found so far is the result.
@@ -281,7 +287,7 @@ void IndexSearcher::ScanRecords(int32_t end) {
         if (holder == end)
             break;
         next = holder;
-        if (Decide(records[next]))
+        if (EndsInAnchorAt(records[next], hit) || Decide(records[next]))
             index->AddResult(records[next]);
     }
     cursor = end;
@@ -309,6 +315,15 @@ bool IndexSearcher::Decide(const IndexRecord* record) {
     if (!glob.Matches(text, length))
         return false;
     return glob.IsExact() || MatchName(record);
+}
+
+// A glob that asks only for a name ending in the anchor piece is answered by the hit alone when
+// the piece ends the name there. A name may end before its block does, with bytes behind its
+// NUL, so the hit must have no NUL before it in the name.
+bool IndexSearcher::EndsInAnchorAt(const IndexRecord* record, const char* hit) const {
+    const char* text = record->GetName();
+    return suffixLength > 0 && hit >= text &&
+           !std::memchr(text, '\0', static_cast<size_t>(hit - text)) && hit[suffixLength] == '\0';
 }
 
 bool IndexSearcher::MatchName(const IndexRecord* record) {

@@ -50,6 +50,7 @@ private:
     void ScanRecords(int32_t end);
     void AskAboutLongNames(int32_t first, int32_t end);
     bool Decide(const IndexRecord* record);
+    bool EndsInAnchorAt(const IndexRecord* record, const char* hit) const;
     bool MatchName(const IndexRecord* record);
 
     Pass pass;
@@ -65,4 +66,7 @@ private:
     // Names up to this length cannot make the expression's matcher give up; -1 for none.
     int32_t trustedLength = -1;
     PieceFinder anchor;
+    // When all the glob asks is that a name end in the anchor piece, which is all literal bytes:
+    // that piece's length; 0 otherwise.
+    size_t suffixLength = 0;
 };
