@@ -85,7 +85,7 @@ bool IndexData::Load(loam::FileSpec indexFile, IndexSource source) {
         return Fail(loam::ErrorGeneral, emptyText);
     if (size > MaxImageSize)
         return Fail(loam::ErrorGeneral, cannotLoadText);
-    if (source == IndexSource::View && mapping.Open(indexFile, MaxImageSize))
+    if (source == IndexSource::View && mapping.Open(indexFile, MaxImageSize, cannotLoadText))
         return TakeImage(mapping.GetData(), mapping.GetSize());
     auto bytes = AllocateLargeArray<char>(size);
     if (!bytes)

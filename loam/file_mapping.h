@@ -20,8 +20,11 @@ public:
     ~FileMapping() { Close(); }
 
     // False, with nothing raised, when the file cannot be held so: empty, larger than maxSize,
-    // not a regular file, or without a lease.
-    bool Open(const FileSpec& location, uint32_t maxSize);
+    // not a regular file, or without a lease. The system takes a lease back after a time-out even
+    // from a process that cannot answer, a stopped one; if the file has then been changed, the
+    // view is lost: lostText is written as a line to the standard error and the process ends
+    // with status 2, before any of its code can read the changed bytes.
+    bool Open(const FileSpec& location, uint32_t maxSize, const char* lostText);
     void Close();
     bool IsOpen() const { return data != nullptr; }
     const char* GetData() const { return data; }

@@ -18,14 +18,34 @@ struct HeldMapping {
     char* data = nullptr;
     size_t size = 0;
     int descriptor = -1;
+    struct timespec changed = {};
+    const char* lostText = nullptr;
 };
 HeldMapping held;
+
+bool IsUnchanged(const HeldMapping& mapping) {
+    struct stat status;
+    return ::fstat(mapping.descriptor, &status) == 0 &&
+           static_cast<size_t>(status.st_size) == mapping.size &&
+           status.st_ctim.tv_sec == mapping.changed.tv_sec &&
+           status.st_ctim.tv_nsec == mapping.changed.tv_nsec;
+}
+
+[[noreturn]] void GiveUpLostView(const HeldMapping& mapping) {
+    ::fcntl(mapping.descriptor, F_SETLEASE, F_UNLCK);
+    const char* text = mapping.lostText;
+    (void)!::write(STDERR_FILENO, text, std::strlen(text));
+    (void)!::write(STDERR_FILENO, "\n", 1);
+    ::_exit(2);
+}
 
 // Moves a copy of the view to the view's own addresses, so that every pointer into it stays
 // valid, then lets the writer go on. Without memory for the copy the lease is kept, and the
 // writer waits for the system's lease time-out.
 void CopyOnLeaseBreak(int) {
     const int savedErrno = errno;
+    if (held.data && !IsUnchanged(held))
+        GiveUpLostView(held);
     void* copy = held.data ? ::mmap(nullptr, held.size, PROT_READ | PROT_WRITE,
                                     MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)
                            : MAP_FAILED;
@@ -70,18 +90,14 @@ private:
     sigset_t previous;
 };
 
-bool IsHoldable(int descriptor, uint32_t maxSize, uint32_t& size) {
-    struct stat status;
-    if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode) || status.st_size <= 0 ||
-        static_cast<uint64_t>(status.st_size) > maxSize)
-        return false;
-    size = static_cast<uint32_t>(status.st_size);
-    return true;
+bool IsHoldable(int descriptor, uint32_t maxSize, struct stat& status) {
+    return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0 &&
+           static_cast<uint64_t>(status.st_size) <= maxSize;
 }
 
 } // namespace
 
-bool FileMapping::Open(const FileSpec& location, uint32_t maxSize) {
+bool FileMapping::Open(const FileSpec& location, uint32_t maxSize, const char* lostText) {
     Close();
     InstallLeaseBreakHandler();
     // A break that comes before the view is known waits until it is, and then copies it.
@@ -91,17 +107,19 @@ bool FileMapping::Open(const FileSpec& location, uint32_t maxSize) {
     descriptor = ::open(location.GetPath().GetCString(), O_RDONLY | O_CLOEXEC);
     if (descriptor < 0)
         return false;
+    struct stat status;
     void* view = MAP_FAILED;
-    if (::fcntl(descriptor, F_SETLEASE, F_RDLCK) == 0 && IsHoldable(descriptor, maxSize, size))
-        view = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE, descriptor, 0);
+    if (::fcntl(descriptor, F_SETLEASE, F_RDLCK) == 0 && IsHoldable(descriptor, maxSize, status))
+        view = ::mmap(nullptr, static_cast<size_t>(status.st_size), PROT_READ, MAP_PRIVATE,
+                      descriptor, 0);
     if (view == MAP_FAILED) {
         ::close(descriptor);
         descriptor = -1;
-        size = 0;
         return false;
     }
     data = static_cast<const char*>(view);
-    held = {static_cast<char*>(view), size, descriptor};
+    size = static_cast<uint32_t>(status.st_size);
+    held = {static_cast<char*>(view), size, descriptor, status.st_ctim, lostText};
     return true;
 }
 

@@ -2,6 +2,7 @@
 #include "loam/scratch_folder.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -11,6 +12,7 @@ namespace {
 
 const std::string content = "index bytes\nand more of them\n";
 constexpr uint32_t maxSize = 1 << 20;
+const char* const lost = "the view is lost";
 
 class FileMappingTest : public ScratchFolderTest {
 protected:
@@ -41,7 +43,7 @@ void RewriteInAnotherProcess(const std::string& path) {
 TEST_F(FileMappingTest, ShowsTheWholeFile) {
     MakeFile("index", content);
     loam::FileMapping mapping;
-    ASSERT_TRUE(mapping.Open(FileAt("index"), maxSize));
+    ASSERT_TRUE(mapping.Open(FileAt("index"), maxSize, lost));
     EXPECT_TRUE(mapping.IsOpen());
     EXPECT_EQ(Viewed(mapping), content);
     mapping.Close();
@@ -66,11 +68,11 @@ TEST_F(FileMappingTest, RefusesWhatItCannotHold) {
     for (const auto& row : cases) {
         SCOPED_TRACE(row.name);
         loam::FileMapping mapping;
-        EXPECT_FALSE(mapping.Open(FileAt(row.name), row.limit));
+        EXPECT_FALSE(mapping.Open(FileAt(row.name), row.limit, lost));
         EXPECT_FALSE(mapping.IsOpen());
     }
     ::close(writer);
-    EXPECT_TRUE(loam::FileMapping().Open(FileAt("large"), 100));
+    EXPECT_TRUE(loam::FileMapping().Open(FileAt("large"), 100, lost));
 }
 
 TEST_F(FileMappingTest, KeepsItsBytesWhenTheFileIsRewritten) {
@@ -82,7 +84,7 @@ TEST_F(FileMappingTest, KeepsItsBytesWhenTheFileIsRewritten) {
         SCOPED_TRACE(row.what);
         MakeFile("index", content);
         loam::FileMapping mapping;
-        ASSERT_TRUE(mapping.Open(FileAt("index"), maxSize));
+        ASSERT_TRUE(mapping.Open(FileAt("index"), maxSize, lost));
         const char* data = mapping.GetData();
         row.rewrite(Path("index"));
         EXPECT_EQ(ReadWhole("index"), "XY");
@@ -91,14 +93,31 @@ TEST_F(FileMappingTest, KeepsItsBytesWhenTheFileIsRewritten) {
     }
 }
 
+// A file changed under a lease it no longer holds cannot be copied any more. A change of mode
+// stands in for the rewrite that follows a lease taken back, which the system does only after
+// a time-out far longer than a test.
+TEST_F(FileMappingTest, EndsTheProcessWhenTheViewIsLost) {
+    MakeFile("index", content);
+    EXPECT_EXIT(
+        {
+            loam::FileMapping mapping;
+            if (mapping.Open(FileAt("index"), maxSize, lost)) {
+                ::chmod(Path("index").c_str(), 0400);
+                Rewrite(Path("index"));
+            }
+            ::_exit(0);
+        },
+        testing::ExitedWithCode(2), lost);
+}
+
 TEST_F(FileMappingTest, HoldsOneFileAtATime) {
     MakeFile("first", content);
     MakeFile("second", content);
     loam::FileMapping first, second;
-    ASSERT_TRUE(first.Open(FileAt("first"), maxSize));
-    EXPECT_FALSE(second.Open(FileAt("second"), maxSize));
+    ASSERT_TRUE(first.Open(FileAt("first"), maxSize, lost));
+    EXPECT_FALSE(second.Open(FileAt("second"), maxSize, lost));
     first.Close();
-    EXPECT_TRUE(second.Open(FileAt("second"), maxSize));
+    EXPECT_TRUE(second.Open(FileAt("second"), maxSize, lost));
 }
 
 } // namespace
