@@ -53,9 +53,13 @@ int CloseWithError(int descriptor, int error) {
 }
 
 // Opens without waiting on a FIFO or a device, then makes the descriptor blocking as a stream
-// expects. A folder is refused, as no byte stream can be read from it.
+// expects. A folder is refused, as no byte stream can be read from it. A file that a reader holds
+// by a lease refuses a writer that will not wait; the reader lets go at once when asked, so the
+// writer then waits for it.
 int OpenDescriptor(const char* path, char letter) {
-    const int descriptor = ::open(path, GetOpenFlags(letter), createdFileMode);
+    int descriptor = ::open(path, GetOpenFlags(letter), createdFileMode);
+    if (descriptor < 0 && errno == EWOULDBLOCK)
+        descriptor = ::open(path, GetOpenFlags(letter) & ~O_NONBLOCK, createdFileMode);
     if (descriptor < 0)
         return -1;
     struct stat status {};
