@@ -1,9 +1,6 @@
 #include "quilt/application.h"
 
-#include "quilt/offscreen/offscreen_driver.h"
 #include "test_application.h"
-
-#include <gtest/gtest.h>
 
 #include <string>
 #include <tuple>
@@ -43,10 +40,6 @@ private:
     RecordingIdleHandler closer;
 };
 
-quilt::Application* CreateClosingApplication() {
-    return new ClosingApplication;
-}
-
 TEST(ApplicationTest, TheProcessRunsUntilItsMainWindowCloses) {
     const std::tuple<std::vector<const char*>, bool, const char*> cases[] = {
         {{"sorvanta"}, false, ""},
@@ -55,15 +48,14 @@ TEST(ApplicationTest, TheProcessRunsUntilItsMainWindowCloses) {
         {{"sorvanta", "\""}, true, "\""},
     };
     for (const auto& [arguments, opened, openedFile] : cases) {
-        quilt::OffscreenDriver driver;
+        OffscreenDriver driver;
         record = ProcessRecord{};
         std::vector<char*> argv;
         for (const char* argument : arguments) {
             argv.push_back(const_cast<char*>(argument));
         }
-        int code =
-            quilt::RunProcess(CreateClosingApplication, static_cast<int>(argv.size()), argv.data());
-        EXPECT_EQ(code, 0);
+        auto create = []() -> quilt::Application* { return new ClosingApplication; };
+        EXPECT_EQ(quilt::RunProcess(create, static_cast<int>(argv.size()), argv.data()), 0);
         EXPECT_EQ(record.opened, opened);
         EXPECT_EQ(record.openedFile, openedFile);
         EXPECT_EQ(record.idleRounds, 1);
@@ -73,7 +65,7 @@ TEST(ApplicationTest, TheProcessRunsUntilItsMainWindowCloses) {
 }
 
 TEST(ApplicationTest, TheExitCommandDestroysTheMainWindowAndEndsTheLoop) {
-    quilt::OffscreenDriver driver;
+    OffscreenDriver driver;
     TestApplication application;
     EXPECT_FALSE(application.OnCommand(101));
     EXPECT_TRUE(application.OnExitCommand());

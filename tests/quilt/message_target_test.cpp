@@ -50,10 +50,8 @@ private:
     bool OnFive() { return Record("five", true); }
     bool OnOkDeclines() { return Record("derived-ok", false); }
     bool OnEnter(int32_t word) { return Record("enter-" + std::to_string(word), true); }
-    bool OnSlider(int32_t kind, int32_t subKind, int32_t id) {
-        return Record("slider-" + std::to_string(kind) + "-" + std::to_string(subKind) + "-" +
-                          std::to_string(id),
-                      true);
+    bool OnSlider(int32_t kind, int32_t, int32_t id) {
+        return Record("slider-" + std::to_string(kind) + "-" + std::to_string(id), true);
     }
     bool OnCommandDeclines() { return Record("derived-command", false); }
     bool OnNeverCalled() { return Record("never", true); }
@@ -67,11 +65,6 @@ MessageMapEntry WithSignature(MessageMapEntry row, int32_t signature) {
     return row;
 }
 
-MessageMapEntry WithSubKind(MessageMapEntry row, int32_t subKind) {
-    row.first = subKind;
-    return row;
-}
-
 const MessageMapEntry DerivedTarget::entries[] = {
     quilt::NotificationRange(quilt::MsgClicked, AnyControl, AnyControl,
                              &DerivedTarget::OnAnyClickEarly),
@@ -81,7 +74,6 @@ const MessageMapEntry DerivedTarget::entries[] = {
     quilt::Notification(quilt::MsgClicked, 1, &DerivedTarget::OnOkDeclines),
     quilt::Notification(quilt::MsgEnterKey, 7, &DerivedTarget::OnEnter),
     quilt::NotificationRange(quilt::MsgSliderTrack, 1, 10, &DerivedTarget::OnSlider),
-    WithSubKind(quilt::Notification(quilt::MsgTabChange, 9, &DerivedTarget::OnNeverCalled), 1),
     WithSignature(quilt::Notification(quilt::MsgTabChange, 8, &DerivedTarget::OnNeverCalled), 7),
     quilt::Command(100, &DerivedTarget::OnCommandDeclines),
     WithSignature(quilt::Command(300, &DerivedTarget::OnNeverCalled), 4),
@@ -98,17 +90,10 @@ TEST(MessageTargetTest, DispatchTakesExactRowsFirstAndFallsThroughToTheBase) {
         {"exact row behind two catch-alls", quilt::MsgClicked, 5, &five, true, {"five"}},
         {"later catch-all wins", quilt::MsgClicked, 12, &twelve, true, {"late-12"}},
         {"a catch-all is exact for id -1", quilt::MsgClicked, -1, nullptr, true, {"early-0"}},
-        {"declining row lets the base run",
-         quilt::MsgClicked,
-         1,
-         nullptr,
-         true,
-         {"derived-ok", "base-ok"}},
+        {"declining row", quilt::MsgClicked, 1, nullptr, true, {"derived-ok", "base-ok"}},
         {"null parameter gives 0", quilt::MsgEnterKey, 7, nullptr, true, {"enter-0"}},
-        {"three arguments", quilt::MsgSliderTrack, 4, nullptr, true, {"slider-17-0-4"}},
-        {"sub kind must match", quilt::MsgTabChange, 9, nullptr, false, {}},
+        {"three arguments", quilt::MsgSliderTrack, 4, nullptr, true, {"slider-17-4"}},
         {"invalid signature is unhandled", quilt::MsgTabChange, 8, nullptr, false, {}},
-        {"nothing for this kind", quilt::MsgTextChange, 5, nullptr, false, {}},
     };
     for (const auto& [name, kind, id, parameter, handled, log] : cases) {
         DerivedTarget target;
@@ -129,30 +114,6 @@ TEST(MessageTargetTest, CommandsTryTheFirstMatchingRowOfEachMap) {
         EXPECT_EQ(target.OnCommand(id), handled) << id;
         EXPECT_EQ(target.log, log) << id;
     }
-}
-
-TEST(MessageTargetTest, HasHandlerFindsTheRowWithoutCallingIt) {
-    DerivedTarget target;
-    const MessageMapEntry* row = nullptr;
-    ASSERT_TRUE(target.HasHandler(quilt::MsgClicked, 0, 5, &row));
-    EXPECT_EQ(row->idFirst, 5);
-    EXPECT_FALSE(target.HasHandler(quilt::MsgTextChange, 0, 5, &row));
-    EXPECT_TRUE(target.log.empty());
-}
-
-TEST(MessageTargetTest, ChainedTargetsAreAskedFirstUntilRemoved) {
-    DerivedTarget chained;
-    BaseTarget target;
-    target.AddTarget(&chained);
-    EXPECT_TRUE(target.Dispatch(quilt::MsgClicked, 0, 5, nullptr));
-    EXPECT_TRUE(target.OnCommand(100));
-    EXPECT_EQ(chained.log,
-              (std::vector<std::string>{"five", "derived-command", "base-command-100"}));
-    EXPECT_TRUE(target.log.empty());
-
-    target.AddTarget(&chained);
-    target.RemoveTarget(&chained);
-    EXPECT_FALSE(target.Dispatch(quilt::MsgClicked, 0, 5, nullptr));
 }
 
 } // namespace
