@@ -1,4 +1,6 @@
 #include "loam/file_mapping.h"
+
+#include "loam/disk_file.h"
 #include "loam/scratch_folder.h"
 
 #include <fcntl.h>
@@ -14,20 +16,17 @@ const std::string content = "index bytes\nand more of them\n";
 constexpr uint32_t maxSize = 1 << 20;
 const char* const lost = "the view is lost";
 
-class FileMappingTest : public ScratchFolderTest {
-protected:
-    std::string Viewed(const loam::FileMapping& mapping) const {
-        return std::string(mapping.GetData(), mapping.GetSize());
-    }
-};
+using FileMappingTest = ScratchFolderTest;
 
-// Opens the file to write, emptying it, and writes a little: the open waits for the lease.
+std::string Viewed(const loam::FileMapping& mapping) {
+    return std::string(mapping.GetData(), mapping.GetSize());
+}
+
+// Rewrites the file as a build does, emptying it first: the open waits for the lease.
 void Rewrite(const std::string& path) {
-    const int descriptor = ::open(path.c_str(), O_WRONLY | O_TRUNC);
-    if (descriptor >= 0) {
-        (void)!::write(descriptor, "XY", 2);
-        ::close(descriptor);
-    }
+    loam::DiskFile file;
+    if (file.OpenFile(loam::FileSpec(path.c_str()), loam::FileModeWrite))
+        file.Write("XY", 2, nullptr);
 }
 
 void RewriteInAnotherProcess(const std::string& path) {
@@ -36,8 +35,7 @@ void RewriteInAnotherProcess(const std::string& path) {
         Rewrite(path);
         ::_exit(0);
     }
-    int status = 0;
-    ::waitpid(child, &status, 0);
+    ::waitpid(child, nullptr, 0);
 }
 
 TEST_F(FileMappingTest, ShowsTheWholeFile) {
@@ -57,18 +55,14 @@ TEST_F(FileMappingTest, RefusesWhatItCannotHold) {
     MakeFile("written", content);
     const int writer = ::open(Path("written").c_str(), O_WRONLY);
     ASSERT_GE(writer, 0);
-    const struct {
-        const char* name;
-        uint32_t limit;
-    } cases[] = {{"missing", maxSize},
-                 {".", maxSize},
-                 {"empty", maxSize},
-                 {"large", 99},
-                 {"written", maxSize}};
-    for (const auto& row : cases) {
-        SCOPED_TRACE(row.name);
+    const std::pair<const char*, uint32_t> cases[] = {
+        {"missing", maxSize}, {".", maxSize},       {"empty", maxSize},
+        {"large", 99},        {"written", maxSize},
+    };
+    for (const auto& [name, limit] : cases) {
+        SCOPED_TRACE(name);
         loam::FileMapping mapping;
-        EXPECT_FALSE(mapping.Open(FileAt(row.name), row.limit, lost));
+        EXPECT_FALSE(mapping.Open(FileAt(name), limit, lost));
         EXPECT_FALSE(mapping.IsOpen());
     }
     ::close(writer);
@@ -76,17 +70,13 @@ TEST_F(FileMappingTest, RefusesWhatItCannotHold) {
 }
 
 TEST_F(FileMappingTest, KeepsItsBytesWhenTheFileIsRewritten) {
-    const struct {
-        const char* what;
-        void (*rewrite)(const std::string&);
-    } writers[] = {{"another process", RewriteInAnotherProcess}, {"this process", Rewrite}};
-    for (const auto& row : writers) {
-        SCOPED_TRACE(row.what);
+    for (const auto rewrite : {RewriteInAnotherProcess, Rewrite}) {
+        SCOPED_TRACE(rewrite == Rewrite ? "this process" : "another process");
         MakeFile("index", content);
         loam::FileMapping mapping;
         ASSERT_TRUE(mapping.Open(FileAt("index"), maxSize, lost));
         const char* data = mapping.GetData();
-        row.rewrite(Path("index"));
+        rewrite(Path("index"));
         EXPECT_EQ(ReadWhole("index"), "XY");
         EXPECT_EQ(mapping.GetData(), data);
         EXPECT_EQ(Viewed(mapping), content);

@@ -10,26 +10,7 @@
 
 using loam::String;
 
-TEST(String, GrowthIsExactNeverShrinksAndEmptyFormsAreEqual) {
-    String text("abc");
-    EXPECT_EQ(text.GetCapacity(), 4);
-    text.Append("de");
-    EXPECT_EQ(text.GetCapacity(), 6);
-    text.Assign("x");
-    text.Clear();
-    EXPECT_EQ(text.GetCapacity(), 6);
-    text.Reserve(10);
-    EXPECT_EQ(text.GetCapacity(), 11);
-    text.SetAt(0, 'q');
-    text.SetAt(1, 0);
-    text.SetAt(11, 'z');
-    EXPECT_EQ(text.GetLength(), 1);
-    EXPECT_STREQ(text.GetCString(), "q");
-    EXPECT_STREQ(String().GetCString(), "");
-    EXPECT_TRUE(String() == "" && String() == String("") && String().EqualsNoCase(String("")));
-}
-
-TEST(String, EditsInPlace) {
+TEST(String, EditsInPlaceWithinTheBuffer) {
     const std::string x5000(5000, 'x');
     const auto trim = [](String& s) { s.Trim(); };
     const std::tuple<const char*, std::function<void(String&)>, std::string> cases[] = {
@@ -39,13 +20,11 @@ TEST(String, EditsInPlace) {
         {"keep", [](String& s) { s.AssignRange("abcdef", 2, 3); }, "cde"},
         {"Hello", [](String& s) { s.Truncate(99), s.StripLastChar('o'), s.StripLastChar('o'); },
          "Hell"},
-        {"Hell", [](String& s) { s.Reverse(), s.ReplaceChar('l', 'L'); }, "LLeH"},
+        {"abcdefghij", [](String& s) { s.SetAt(1, 0), s.SetAt(11, 'z'); }, "a"},
         {"\xC9T\xE9", [](String& s) { s.ToLower(); }, "\xC9t\xE9"},
-        {"  a b  ", trim, "a b"},
         {"\t\r\n\v\fx\xA0", trim, "x"},
         {"\xA0 \t", trim, ""},
         {"", [&](String& s) { s.Format("<%s>", x5000.c_str()); }, "<" + x5000 + ">"},
-        {"", [](String& s) { s.FromInt(-42); }, "-42"},
     };
     for (const auto& [start, edit, expected] : cases) {
         String text(start);
@@ -58,9 +37,8 @@ TEST(String, EditsInPlace) {
 TEST(String, PartsAreClampedToTheText) {
     const String text("abcdef");
     const std::pair<String, const char*> cases[] = {
-        {text.Left(0), ""},      {text.Left(2), "ab"},       {text.Left(99), "abcdef"},
-        {text.Right(2), "ef"},   {text.Right(99), "abcdef"}, {text.Mid(2, 2), "cd"},
-        {text.Mid(4, 99), "ef"}, {text.Mid(6, 1), ""},       {text.Mid(3), "def"},
+        {text.Left(0), ""},      {text.Left(99), "abcdef"}, {text.Mid(2, 2), "cd"},
+        {text.Mid(4, 99), "ef"}, {text.Mid(6, 1), ""},      {text.Mid(3), "def"},
     };
     for (const auto& [got, expected] : cases)
         EXPECT_STREQ(got.GetCString(), expected);
@@ -69,9 +47,8 @@ TEST(String, PartsAreClampedToTheText) {
 TEST(String, FindAndCompare) {
     const String text("abcABCabc");
     const std::tuple<const char*, int32_t, bool, bool, int32_t> cases[] = {
-        {"ABC", 0, false, true, 3},    {"ABC", 4, true, true, 6},   {"abc", 1, false, true, 6},
-        {"", 2, false, true, 2},       {"abc", 7, false, false, 7}, {"x", 0, true, false, 0},
-        {"abc", 99, false, false, 99},
+        {"ABC", 0, false, true, 3},  {"ABC", 4, true, true, 6},     {"", 2, false, true, 2},
+        {"abc", 7, false, false, 7}, {"abc", 99, false, false, 99},
     };
     for (const auto& [needle, start, ignoreCase, found, at] : cases) {
         int32_t index = start;
@@ -82,23 +59,9 @@ TEST(String, FindAndCompare) {
     int32_t at = -1;
     EXPECT_TRUE(text.FindLastChar('a', &at));
     EXPECT_EQ(at, 6);
-    EXPECT_EQ(String().Compare(String("a")), -1);
-    EXPECT_EQ(String("b").Compare(String("a")), 1);
+    EXPECT_TRUE(String() == "" && String() == String("") && String().EqualsNoCase(String("")));
     EXPECT_TRUE(String("Name").EqualsNoCase(String("nAME")));
     EXPECT_FALSE(String("\xC9").EqualsNoCase(String("\xE9")));
-    EXPECT_TRUE(String("Options.X").StartsWithNoCase(String("options")));
-    EXPECT_FALSE(String().StartsWithNoCase(String("")));
-}
-
-TEST(StringParser, QuotesCountOnlyAtTheStartOfAToken) {
-    const std::pair<const char*, const char*> cases[] = {
-        {"\"a b\" c", "a b"}, {"x\"y z", "x\"y"}, {"\"open", "open"}, {"plain word", "plain"}};
-    for (const auto& [text, expected] : cases) {
-        loam::StringParser parser{String(text)};
-        String token;
-        ASSERT_TRUE(parser.ReadToken(token, " ", true)) << text;
-        EXPECT_STREQ(token.GetCString(), expected) << text;
-    }
 }
 
 TEST(Format, ByteSizesAndThousands) {
@@ -116,13 +79,7 @@ TEST(Format, ByteSizesAndThousands) {
         EXPECT_STREQ(text.GetCString(), expected) << bytes;
     }
     const std::pair<int32_t, const char*> counts[] = {
-        {0, "0"},
-        {999, "999"},
-        {1000, "1,000"},
-        {1234567, "1,234,567"},
-        {2147483647, "2,147,483,647"},
-        {-1234, "-1,234"},
-    };
+        {999, "999"}, {1000, "1,000"}, {2147483647, "2,147,483,647"}, {-1234, "-1,234"}};
     for (const auto& [value, expected] : counts) {
         String text;
         loam::FormatThousands(text, value);
