@@ -23,10 +23,6 @@ protected:
     }
 
     static constexpr char indexName[] = "data/Wendlemark/Sorvanta/sorvanta.idx";
-    void PlaceIndex(const std::string& content) const {
-        std::filesystem::create_directories(Path("data/Wendlemark/Sorvanta"));
-        MakeFile(indexName, content);
-    }
     // The index folder that the program will find in its settings.
     void StoreIndexFolder(const std::string& folder) const {
         loam::SetPreferenceLocation(PreferenceCompany, PreferenceProduct);

@@ -24,24 +24,19 @@ inline void PrintTo(const String& text, std::ostream* out) {
 class IndexImage {
 public:
     IndexImage& Header(int32_t version, uint32_t unfinished, int32_t count) {
-        return Int(static_cast<uint32_t>(version))
-            .Int(unfinished)
-            .Int(static_cast<uint32_t>(count));
+        return Int(version).Int(unfinished).Int(count);
     }
     // A record with a well-formed name block, rounded as the writer rounds it.
     IndexImage& Record(uint8_t kind, uint32_t parent, const std::string& name, uint32_t size = 0,
                        int32_t modified = 0) {
         const auto block = static_cast<uint8_t>((name.size() + 1 + 3) & ~3u);
         Fixed(kind, block, parent, size, modified);
-        bytes += name;
-        bytes.append(block - name.size(), '\0');
-        return *this;
+        return Raw(name + std::string(block - name.size(), '\0'));
     }
     IndexImage& Fixed(uint8_t kind, uint8_t nameLength, uint32_t parent, uint32_t size = 0,
                       int32_t modified = 0) {
-        bytes += static_cast<char>(kind);
-        bytes += static_cast<char>(nameLength);
-        return Int(parent).Int(size).Int(static_cast<uint32_t>(modified));
+        bytes += {static_cast<char>(kind), static_cast<char>(nameLength)};
+        return Int(parent).Int(size).Int(modified);
     }
     IndexImage& Raw(const std::string& raw) {
         bytes += raw;

@@ -16,7 +16,7 @@
 
 namespace walk_test {
 
-enum class Kind { Root, Folder, File };
+enum class Kind { Folder, File };
 
 // One entry as a writer or `find` sees it; a folder's size is not compared.
 struct Entry {
@@ -29,63 +29,50 @@ struct Entry {
 };
 
 inline std::ostream& operator<<(std::ostream& out, const Entry& entry) {
-    static const char* const kinds[] = {"root", "folder", "file"};
-    return out << kinds[static_cast<int>(entry.kind)] << ' ' << entry.path << ' ' << entry.size
-               << ' ' << entry.time;
+    return out << static_cast<int>(entry.kind) << ' ' << entry.path << ' ' << entry.size << ' '
+               << entry.time;
 }
 
-inline std::string WithoutFinalSeparator(std::string path) {
-    while (path.size() > 1 && path.back() == '/')
-        path.pop_back();
-    return path;
-}
-
-// Keeps what a walk hands over, in order, and checks that every entry's folder came first.
+// Keeps what a walk hands over, in order, and checks that every entry's folder came first; a root
+// is kept as a folder, and among the roots.
 class RecordingWriter : public FileIndexWriter {
 public:
     void AddFile(const loam::FileSpec& path, uint32_t size, loam::DateTime modified) override {
+        ++files;
         Add(Kind::File, path, size, modified);
     }
     void AddFolder(const loam::FileSpec& path, loam::DateTime modified) override {
         Add(Kind::Folder, path, 0, modified);
     }
     void AddRoot(const loam::FileSpec& path, loam::DateTime modified) override {
-        Add(Kind::Root, path, 0, modified);
+        roots.insert(Add(Kind::Folder, path, 0, modified, true));
     }
     void Finish() override { ++finishes; }
 
-    size_t CountFiles() const {
-        size_t count = 0;
-        for (const Entry& entry : entries)
-            count += entry.kind == Kind::File;
-        return count;
-    }
-
     std::vector<Entry> entries;
     std::vector<std::string> orphans;
+    std::set<std::string> roots;
+    size_t files = 0;
     int finishes = 0;
 
 private:
-    void Add(Kind kind, const loam::FileSpec& location, uint32_t size, loam::DateTime modified) {
-        const std::string path = WithoutFinalSeparator(location.GetPath().GetCString());
-        if (kind != Kind::Root && !folders.count(path.substr(0, path.rfind('/'))))
+    std::string Add(Kind kind, const loam::FileSpec& location, uint32_t size,
+                    loam::DateTime modified, bool root = false) {
+        std::string path = location.GetPath().GetCString();
+        while (path.size() > 1 && path.back() == '/')
+            path.pop_back();
+        if (!root && !folders.count(path.substr(0, path.rfind('/'))))
             orphans.push_back(path);
         if (kind != Kind::File)
             folders.insert(path);
         entries.push_back({kind, path, size, modified.GetSeconds()});
+        return path;
     }
 
     std::set<std::string> folders;
 };
 
-// The writer's complaints of an entry whose folder it does not know; a walk never causes one.
-inline std::vector<std::string> alerts;
-
-inline void RecordAlert(const char*, const char* text) {
-    alerts.push_back(text);
-}
-
-// The tree to walk is "tree" in the test's fresh folder; the walk's writer must never complain.
+// The tree to walk is "tree" in the test's fresh folder.
 class WalkTest : public ScratchFolderTest {
 protected:
     void SetUp() override {
@@ -93,13 +80,6 @@ protected:
         tree = root + "/tree";
         std::filesystem::create_directory(tree);
         SetRoots({""});
-        alerts.clear();
-        previousAlertHandler = SetWriterAlertHandler(RecordAlert);
-    }
-    void TearDown() override {
-        EXPECT_EQ(alerts, std::vector<std::string>());
-        SetWriterAlertHandler(previousAlertHandler);
-        ScratchFolderTest::TearDown();
     }
 
     // Roots by their place in the tree: "" is the tree itself.
@@ -119,9 +99,6 @@ protected:
         std::filesystem::create_directories(std::filesystem::path(Path(name)).parent_path());
         std::ofstream(Path(name), std::ios::binary) << content;
     }
-    void MakeFolder(const std::string& name) const {
-        std::filesystem::create_directories(Path(name));
-    }
     void SetTime(const std::string& name, time_t seconds) const {
         const timespec times[2] = {{seconds, 0}, {seconds, 0}};
         ASSERT_EQ(utimensat(AT_FDCWD, Path(name).c_str(), times, AT_SYMLINK_NOFOLLOW), 0);
@@ -133,73 +110,55 @@ protected:
             "find '" + root + "' -xdev -printf '%y %s %T@ %p\\0' 2>/dev/null";
         std::set<Entry> found;
         FILE* pipe = popen(command.c_str(), "r");
-        if (!pipe)
-            return found;
-        std::string record;
-        for (int byte; (byte = std::fgetc(pipe)) != EOF;) {
-            if (byte != 0) {
-                record += static_cast<char>(byte);
-                continue;
-            }
+        char* record = nullptr;
+        size_t capacity = 0;
+        while (pipe && getdelim(&record, &capacity, '\0', pipe) > 0) {
             char type = 0;
             unsigned long long size = 0;
             double time = 0;
             int consumed = 0;
-            std::sscanf(record.c_str(), "%c %llu %lf %n", &type, &size, &time, &consumed);
+            std::sscanf(record, "%c %llu %lf %n", &type, &size, &time, &consumed);
             const bool folder = type == 'd';
-            found.insert({folder ? Kind::Folder : Kind::File, record.substr(consumed),
+            found.insert({folder ? Kind::Folder : Kind::File, record + consumed,
                           folder ? 0u : static_cast<uint32_t>(size),
                           static_cast<int32_t>(std::floor(time))});
-            record.clear();
         }
-        pclose(pipe);
+        free(record);
+        if (pipe)
+            pclose(pipe);
         return found;
     }
 
-    // Builds the index of the roots in one call into a file beside the tree.
-    std::vector<Entry> BuildIndex() const {
-        const std::string file = root + "/sorvanta.idx";
+    // Builds the index of the roots in one call into a file beside the tree, and reads it back
+    // as a walk would hand it over: a record without a parent is a root.
+    RecordingWriter BuildIndex() const {
+        const loam::FileSpec file((root + "/sorvanta.idx").c_str());
         {
             loam::DiskFile disk;
-            EXPECT_TRUE(disk.OpenFile(loam::FileSpec(file.c_str()), loam::FileModeWrite));
+            EXPECT_TRUE(disk.OpenFile(file, loam::FileModeWrite));
             BinaryFileIndexWriter writer(&disk);
-            VolumeIndexBuilder builder(nullptr);
-            EXPECT_TRUE(builder.RunToCompletion(&writer));
+            EXPECT_TRUE(VolumeIndexBuilder(nullptr).RunToCompletion(&writer));
             writer.Finish();
         }
-        return ReadIndex(file);
-    }
-
-    // The records of an index file, with their full paths; a record without a parent is a root.
-    static std::vector<Entry> ReadIndex(const std::string& file) {
         IndexData index;
-        std::vector<Entry> entries;
-        EXPECT_TRUE(index.Load(loam::FileSpec(file.c_str())));
+        EXPECT_TRUE(index.Load(file));
+        RecordingWriter read;
         for (int32_t ordinal = 0; ordinal < index.GetRecordCount(); ++ordinal) {
             const IndexRecord* record = index.GetRecord(ordinal);
-            const Kind kind = !record->IsFolder()                    ? Kind::File
-                              : record->GetParent() == IndexNoParent ? Kind::Root
-                                                                     : Kind::Folder;
-            entries.push_back({kind, WithoutFinalSeparator(index.GetPathOf(record).GetCString()),
-                               record->GetSize(), record->GetModified()});
+            const loam::FileSpec path(index.GetPathOf(record).GetCString());
+            const loam::DateTime modified(record->GetModified());
+            if (!record->IsFolder())
+                read.AddFile(path, record->GetSize(), modified);
+            else if (record->GetParent() == IndexNoParent)
+                read.AddRoot(path, modified);
+            else
+                read.AddFolder(path, modified);
         }
-        return entries;
-    }
-
-    // The entries with every root as a folder, as `find` shows a root.
-    static std::set<Entry> AsFolders(const std::vector<Entry>& entries) {
-        std::set<Entry> folders;
-        for (Entry entry : entries) {
-            if (entry.kind == Kind::Root)
-                entry.kind = Kind::Folder;
-            folders.insert(entry);
-        }
-        return folders;
+        return read;
     }
 
     std::string tree;
     std::optional<ScopedEnvironment> roots;
-    WriterAlertHandler previousAlertHandler = nullptr;
 };
 
 } // namespace walk_test

@@ -5,9 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-#include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -15,9 +14,9 @@ namespace {
 using Names = std::vector<std::string>;
 
 // An index of one root folder and the given entries below it, in that order.
-void LoadIndex(IndexData& index, const Names& names, const std::string& root = "/data") {
+void LoadIndex(IndexData& index, const Names& names) {
     IndexImage image;
-    image.Header(1, 0, static_cast<int32_t>(names.size() + 1)).Record(1, 0xFFFFFFFF, root);
+    image.Header(1, 0, static_cast<int32_t>(names.size() + 1)).Record(1, 0xFFFFFFFF, "/srv/data");
     for (const std::string& name : names)
         image.Record(0, 0, name, 10);
     ASSERT_TRUE(image.LoadInto(index));
@@ -39,48 +38,13 @@ Names Search(IndexData& index, const char* pattern, bool isRegExp, bool autoWild
 
 class IndexSearcherTest : public ::testing::Test {
 protected:
-    void SetUp() override { loam::ClearErrors(); }
     void TearDown() override { loam::ClearErrors(); }
     IndexData index;
 };
 
-struct Translation {
-    const char* pattern;
-    bool isRegExp;
-    bool autoWildcards;
-    const char* expression;
-};
-
-TEST(IndexSearcherExpression, TranslatesWhatTheUserTyped) {
-    const Translation table[] = {
-        {"readme", false, true, ".*readme.*"},
-        {"readme", false, false, "readme"},
-        {"*.txt", false, true, ".*\\.txt"},
-        {"*.txt", false, false, ".*\\.txt"},
-        {"a?c", false, true, "a.c"},
-        {"a.b", false, true, ".*a\\.b.*"},
-        {"", false, true, ".*.*"},
-        {"", false, false, ""},
-        {"(a|b)[0-9]+^$\\d{2}", false, false, "(a|b)[0-9]+^$\\d{2}"},
-        {" x ", false, true, ".* x .*"},
-        {".txt", true, true, ".txt"},
-        {"*?.", true, false, "*?."},
-        {"", true, true, ""},
-    };
-    for (const Translation& row : table) {
-        EXPECT_STREQ(IndexSearcher::MakeExpression(row.pattern, row.isRegExp, row.autoWildcards)
-                         .GetCString(),
-                     row.expression)
-            << row.pattern << " regexp " << row.isRegExp << " auto " << row.autoWildcards;
-    }
-}
-
-struct Case {
-    const char* pattern;
-    bool isRegExp;
-    bool autoWildcards;
-    Names found;
-};
+// A pattern, whether it is a regular expression, whether wildcards go around it, and the names
+// found.
+using Case = std::tuple<const char*, bool, bool, Names>;
 
 TEST_F(IndexSearcherTest, MatchesWholeNamesWithoutRegardToCase) {
     LoadIndex(index,
@@ -100,74 +64,53 @@ TEST_F(IndexSearcherTest, MatchesWholeNamesWithoutRegardToCase) {
         {"(abc|ac)", false, false, {"abc", "ac"}},
         {"caf\xC9", false, false, {"Caf\xC9"}},
         {"\xFF*", false, false, {"\xFF\xFE"}},
+        // A root is found by its own name, a whole path; no other record by its path.
+        {"/srv.*", true, false, {"/srv/data"}},
+        {"srv", false, true, {"/srv/data"}},
+        {"*srv*readme*", false, false, {}},
     };
-    for (const Case& row : table) {
-        EXPECT_EQ(Search(index, row.pattern, row.isRegExp, row.autoWildcards), row.found)
-            << row.pattern << " regexp " << row.isRegExp << " auto " << row.autoWildcards;
+    for (const auto& [pattern, isRegExp, autoWildcards, found] : table) {
+        EXPECT_EQ(Search(index, pattern, isRegExp, autoWildcards), found)
+            << pattern << " regexp " << isRegExp << " auto " << autoWildcards;
     }
 }
-
-TEST_F(IndexSearcherTest, FindsARootByItsOwnNameOnly) {
-    LoadIndex(index, {"notes.txt"}, "/srv/data");
-    EXPECT_EQ(Search(index, "/srv.*", true, false), Names{"/srv/data"});
-    EXPECT_EQ(Search(index, "srv", false, true), Names{"/srv/data"});
-    EXPECT_EQ(Search(index, "*srv*notes*", false, false), Names{});
-    EXPECT_EQ(Search(index, "", false, true), (Names{"/srv/data", "notes.txt"}));
-}
-
-struct Refusal {
-    const char* pattern;
-    bool isRegExp;
-    bool autoWildcards;
-};
 
 TEST_F(IndexSearcherTest, RefusesABadExpressionAndKeepsTheResults) {
     LoadIndex(index, {"foo", "foo(bar"});
     const Names before = Search(index, "foo", false, false);
-    const Refusal table[] = {
-        {"", false, false},    {"", true, false},   {"", true, true},        {"foo(", false, false},
-        {"foo(", false, true}, {"[a", true, false}, {"a{2,1}", true, false}, {"*", true, false},
+    const std::tuple<const char*, bool, bool> table[] = {
+        {"", false, false},  {"", true, true},        {"foo(", false, false}, {"foo(", false, true},
+        {"[a", true, false}, {"a{2,1}", true, false}, {"*", true, false},
     };
-    for (const Refusal& row : table) {
+    for (const auto& [pattern, isRegExp, autoWildcards] : table) {
         IndexSearcher searcher;
-        EXPECT_FALSE(searcher.Start(&index, row.pattern, row.isRegExp, row.autoWildcards))
-            << row.pattern;
+        EXPECT_FALSE(searcher.Start(&index, pattern, isRegExp, autoWildcards)) << pattern;
         EXPECT_STREQ(loam::GetCurrentErrorInfo().GetMessage().GetCString(), SearchSyntaxErrorText);
         loam::ClearErrors();
-        EXPECT_EQ(ResultNames(index), before) << row.pattern;
+        EXPECT_EQ(ResultNames(index), before) << pattern;
     }
 }
 
 TEST_F(IndexSearcherTest, AnEmptyIndexEndsAtOnce) {
-    IndexImage image;
-    image.Header(1, 1, 0);
-    auto buffer = std::make_unique<char[]>(12);
-    std::memcpy(buffer.get(), image.GetBytes().data(), 12);
-    ASSERT_TRUE(index.LoadImage(std::move(buffer), 12));
+    ASSERT_TRUE(IndexImage().Header(1, 1, 0).LoadInto(index));
     IndexSearcher searcher;
     ASSERT_TRUE(searcher.Start(&index, "", false, true));
     int32_t percent = -7;
     EXPECT_EQ(searcher.RunSlice(nullptr, &percent), 0);
     EXPECT_EQ(percent, -7);
-    EXPECT_EQ(index.GetResultCount(), 0);
 }
 
-struct Slicing {
-    int32_t records;
-    std::vector<int32_t> answers;
-    std::vector<int32_t> percents;
-};
-
 TEST_F(IndexSearcherTest, WorksInSlicesOfTenThousandRecords) {
-    const Slicing table[] = {
+    // Records, what each slice answers, and the percentage after it.
+    const std::tuple<int32_t, std::vector<int32_t>, std::vector<int32_t>> table[] = {
         {9999, {0}, {100}},
         {10000, {0}, {100}},
         {10001, {1, 0}, {99, 100}},
         {25000, {1, 1, 0}, {40, 80, 100}},
     };
-    for (const Slicing& row : table) {
+    for (const auto& [records, expectedAnswers, expectedPercents] : table) {
         // The root is one of the records.
-        LoadIndex(index, Names(row.records - 1, "x"));
+        LoadIndex(index, Names(records - 1, "x"));
         IndexSearcher searcher;
         ASSERT_TRUE(searcher.Start(&index, "x", false, false));
         std::vector<int32_t> answers, percents;
@@ -176,9 +119,9 @@ TEST_F(IndexSearcherTest, WorksInSlicesOfTenThousandRecords) {
             answers.push_back(searcher.RunSlice(nullptr, &percent));
             percents.push_back(percent);
         } while (answers.back() == 1 && answers.size() < 10);
-        EXPECT_EQ(answers, row.answers) << row.records;
-        EXPECT_EQ(percents, row.percents) << row.records;
-        EXPECT_EQ(index.GetResultCount(), row.records - 1);
+        EXPECT_EQ(answers, expectedAnswers) << records;
+        EXPECT_EQ(percents, expectedPercents) << records;
+        EXPECT_EQ(index.GetResultCount(), records - 1);
     }
 }
 

@@ -11,16 +11,11 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <tuple>
 
 namespace {
 
 using namespace std::string_literals;
-
-struct Anchor {
-    std::string piece;
-    uint32_t first;
-    uint32_t second;
-};
 
 const char* FindEachPlace(const std::string& piece, const char* from, const char* to,
                           const char* limit) {
@@ -56,25 +51,25 @@ std::string Stretch(const std::string& piece, size_t length, std::mt19937& rando
 }
 
 TEST(PieceFinder, FindsWhatASearchPlaceByPlaceFinds) {
-    const Anchor table[] = {
+    const std::tuple<std::string, uint32_t, uint32_t> table[] = {
         {".txt", 1, 2},  {"t", 0, 0},         {"report", 0, 5},
         {"a\0c"s, 0, 2}, {"\xE9t\xE9", 0, 2}, {"img_" + std::string(34, '\0') + ".jpg", 3, 39},
     };
     std::mt19937 random(7);
-    for (const Anchor& row : table) {
-        const PieceFinder finders[] = {PieceFinder(row.piece, row.first, row.second),
-                                       PieceFinder(row.piece, row.first, row.second, false)};
+    for (const auto& [piece, first, second] : table) {
+        const PieceFinder finders[] = {PieceFinder(piece, first, second),
+                                       PieceFinder(piece, first, second, false)};
         for (size_t length = 0; length <= 200; ++length) {
-            const std::string bytes = Stretch(row.piece, length, random);
+            const std::string bytes = Stretch(piece, length, random);
             const auto block = std::make_unique<char[]>(length);
             std::copy(bytes.begin(), bytes.end(), block.get());
             const char* limit = block.get() + length;
             const char* to = block.get() + random() % (length + 1);
             for (const char* from = block.get();; ++from) {
-                const char* expected = FindEachPlace(row.piece, from, to, limit);
+                const char* expected = FindEachPlace(piece, from, to, limit);
                 for (const PieceFinder& finder : finders)
                     ASSERT_EQ(finder.Find(from, to, limit), expected)
-                        << row.piece << " in " << length << " bytes from " << from - block.get();
+                        << piece << " in " << length << " bytes from " << from - block.get();
                 if (expected == to)
                     break;
                 from = expected;
