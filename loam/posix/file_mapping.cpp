@@ -104,7 +104,8 @@ bool FileMapping::Open(const FileSpec& location, uint32_t maxSize, const char* l
     const LeaseSignalBlock block;
     if (held.data)
         return false;
-    descriptor = ::open(location.GetPath().GetCString(), O_RDONLY | O_CLOEXEC);
+    // Not waiting keeps a FIFO put in the file's place from holding the caller up.
+    descriptor = ::open(location.GetPath().GetCString(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0)
         return false;
     struct stat status;
