@@ -118,8 +118,12 @@ public:
     Application();
     ~Application() override;
 
-    static Application* GetCurrent();
-    static Window* GetMainWindow();
+    // Inline, so that code which only asks for them (a job's controller in the command-line
+    // finder) links none of the windows.
+    static Application* GetCurrent() { return current; }
+    static Window* GetMainWindow() {
+        return current != nullptr ? current->mainWindow.get() : nullptr;
+    }
 
     // Asks the main window first.
     bool OnCommand(int32_t id) override;
@@ -201,6 +205,8 @@ private:
     void ShowTrayMenu(uint32_t event);
     void GiveFirstTrayCommand(uint32_t event);
     void GiveSecondTrayCommand(uint32_t event);
+
+    static inline Application* current = nullptr;
 
     bool trayActive = false;
     bool overrideActive = false;

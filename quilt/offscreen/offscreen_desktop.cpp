@@ -456,6 +456,7 @@ void OffscreenDesktop::Reset() {
     capture = 0;
     waitDeadline.reset();
     modalWindows.clear();
+    hasUser = false;
 }
 
 OffscreenDesktop& GetOffscreenDesktop() {

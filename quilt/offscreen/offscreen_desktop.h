@@ -183,9 +183,12 @@ public:
     // Called for each modal dialog as its run starts; a test acts in it from here.
     using ModalHook = std::function<void(OffscreenWindow&)>;
     void SetModalHook(ModalHook hook) { modalHook = std::move(hook); }
-    bool HasModalHook() const { return static_cast<bool>(modalHook); }
+    // Whether someone gives the desktop input and so can answer its dialogs. A headless run is
+    // unattended; a test's driver stands in for a person.
+    void SetAttended(bool attended) { hasUser = attended; }
+    bool IsAttended() const { return hasUser; }
 
-    // Destroys every window and drops every event, timer and hot key.
+    // Destroys every window and drops every event, timer and hot key; nobody is at the desktop.
     void Reset();
 
 private:
@@ -227,6 +230,7 @@ private:
     std::optional<uint32_t> waitDeadline;
     std::vector<OffscreenHandle> modalWindows;
     ModalHook modalHook;
+    bool hasUser = false;
 };
 
 OffscreenDesktop& GetOffscreenDesktop();

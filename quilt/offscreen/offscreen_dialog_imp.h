@@ -66,8 +66,8 @@ public:
     void EndLayout() override;
     void MapDialogRect(Rect& rect) override;
     void OnOwnerDestroyed() override { ownerGone = true; }
-    // Only a test driver answers dialogs on a desktop that nobody sees.
-    bool IsUserPresent() override { return GetOffscreenDesktop().HasModalHook(); }
+    // Nobody answers a dialog on a desktop that nobody attends.
+    bool IsUserPresent() override { return GetOffscreenDesktop().IsAttended(); }
 
     // A dialog placed by its own OnInitDialog is not centred afterwards.
     void SetRect(const Rect& rect, bool repaint) override;

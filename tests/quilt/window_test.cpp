@@ -35,10 +35,10 @@ TEST(RectTest, UnionAndIntersect) {
 TEST(ImpFactoryTest, ChooseBackend) {
     const std::tuple<const char*, bool, quilt::Backend> cases[] = {
         {nullptr, true, quilt::Backend::Gtk},
-        {nullptr, false, quilt::Backend::Offscreen},
+        {nullptr, false, quilt::Backend::Headless},
         {"gtk", true, quilt::Backend::Gtk},
-        {"gtk", false, quilt::Backend::Offscreen},
-        {"offscreen", true, quilt::Backend::Offscreen},
+        {"gtk", false, quilt::Backend::Headless},
+        {"offscreen", true, quilt::Backend::Headless},
         {"something", true, quilt::Backend::Gtk}};
     for (const auto& [requested, desktopAvailable, expected] : cases) {
         EXPECT_EQ(quilt::ChooseBackend(requested, desktopAvailable), expected)
