@@ -56,24 +56,14 @@ struct OffscreenMessage {
     uint32_t flags = 0; // key modifiers or mouse flags
     Point point;        // mouse position in client coordinates; position after a move
     Size size;          // client size after a size change
-    // Notify: `value` is the control's id, `code` what happened (its class says what the codes
-    // mean), `flags` a detail of the code, `source` the control.
-    int32_t code = 0;
-    OffscreenHandle source = 0;
-};
-
-// A native control's own dialog code: which keys it takes before its dialog sees them.
-enum OffscreenDialogCode : int32_t {
-    DialogCodeWantArrows = 1,
-    DialogCodeWantTab = 2,
-    DialogCodeHasSetSel = 8,
+    // Notify: `value` is the control's id, `event` what happened, `flags` its detail.
+    ControlEvent event = ControlEvent::Clicked;
 };
 
 // A native window of the offscreen desktop, its state in memory. The backend's control classes
 // derive from it.
 struct OffscreenWindow {
-    OffscreenWindow(const char* windowClass, OffscreenWindow* parentWindow)
-        : className(windowClass), parent(parentWindow) {}
+    explicit OffscreenWindow(OffscreenWindow* parentWindow) : parent(parentWindow) {}
     OffscreenWindow(const OffscreenWindow&) = delete;
     OffscreenWindow& operator=(const OffscreenWindow&) = delete;
     virtual ~OffscreenWindow() = default;
@@ -99,7 +89,6 @@ struct OffscreenWindow {
     int32_t GetDialogCode(KeyEventKind kind, int32_t value) const;
 
     OffscreenHandle handle = 0;
-    loam::String className;
     int32_t id = 0;
     uint32_t style = 0; // ControlStyle bits for a control
     loam::String text;
