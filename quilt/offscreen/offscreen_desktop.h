@@ -158,8 +158,9 @@ public:
 
     // Serves every due event, then every due timer once, then paints.
     void PumpMessages();
-    // Lets the clock run to the next event; false when none can come or the deadline came first.
-    bool WaitMessage();
+    // Lets the clock run to the next event, or for `timeout` ms at most; false when no event is
+    // due at its end. Only a wait without a timeout stops at the deadline.
+    bool WaitMessage(std::optional<uint32_t> timeout = std::nullopt);
     bool CanReceiveEvents() const { return !events.empty() || !timers.empty(); }
     // A wait never runs the clock past this tick.
     void SetWaitDeadline(std::optional<uint32_t> tick) { waitDeadline = tick; }
