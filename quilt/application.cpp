@@ -60,6 +60,7 @@ void IdleHandler::EnableIdle() {
 
 Application::Application() {
     current = this;
+    currentMainWindow = &mainWindow;
 }
 
 Application::~Application() {
@@ -67,6 +68,7 @@ Application::~Application() {
     imp.reset();
     if (current == this) {
         current = nullptr;
+        currentMainWindow = nullptr;
     }
 }
 

@@ -118,11 +118,11 @@ public:
     Application();
     ~Application() override;
 
-    // Inline, so that code which only asks for them (a job's controller in the command-line
-    // finder) links none of the windows.
+    // Inline, and without touching the object, so that code which only asks for them (a job's
+    // controller in the command-line finder) links nothing of the application or the windows.
     static Application* GetCurrent() { return current; }
     static Window* GetMainWindow() {
-        return current != nullptr ? current->mainWindow.get() : nullptr;
+        return currentMainWindow != nullptr ? currentMainWindow->get() : nullptr;
     }
 
     // Asks the main window first.
@@ -207,6 +207,7 @@ private:
     void GiveSecondTrayCommand(uint32_t event);
 
     static inline Application* current = nullptr;
+    static inline std::unique_ptr<Window>* currentMainWindow = nullptr;
 
     bool trayActive = false;
     bool overrideActive = false;
