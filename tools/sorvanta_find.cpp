@@ -2,8 +2,7 @@
 // matching and the same settings.
 
 #include "app/resources/string_table.h"
-#include "app/sorvanta_app.h"
-#include "app/sorvanta_options.h"
+#include "app/settings.h"
 #include "index/index_data.h"
 #include "index/index_format.h"
 #include "index/index_status.h"
@@ -212,8 +211,8 @@ bool ParseArguments(int argc, char** argv, Request& request) {
 loam::FileSpec GetIndexFile(const Request& request) {
     if (request.indexFile)
         return loam::FileSpec(request.indexFile);
-    SorvantaOptions::LoadSettings();
-    return SorvantaApp::GetIndexFile();
+    SorvantaSettings::LoadSettings();
+    return SorvantaSettings::GetIndexFile();
 }
 
 // A finder's run is short, so the index is seen where it lies rather than copied.
