@@ -17,11 +17,6 @@ namespace {
 static_assert(std::is_same_v<boost::regex::traits_type,
                              boost::regex_traits<char, boost::cpp_regex_traits<char>>>);
 
-// A name block's length is one byte, so no loaded name is longer.
-constexpr int32_t LongestLoadableName = 254;
-// However short the name and the expression, the matcher takes at least this many steps before
-// it gives up on a name by throwing.
-constexpr double MatcherStepFloor = 100000;
 constexpr int32_t SampleRuns = 16;
 constexpr int32_t SampleRunRecords = 32;
 
@@ -197,7 +192,7 @@ bool IndexSearcher::Start(IndexData* data, loam::String pattern, bool isRegExp,
     const bool isGlob =
         pass == Pass::Fast && (isRegExp ? glob.ReadExpression(text.GetCString())
                                         : glob.ReadWildcards(wildcards.GetCString()));
-    ChooseMode(isGlob, text.GetLength());
+    ChooseMode(isGlob, text);
     return true;
 }
 
@@ -207,8 +202,7 @@ bool IndexSearcher::Compile(const loam::String& text) {
     if (text.IsEmpty())
         return false;
     try {
-        expression.assign(text.GetCString(), text.GetCString() + text.GetLength(),
-                          boost::regex::perl | boost::regex::icase);
+        expression.assign(text.GetCString(), text.GetCString() + text.GetLength(), SearchSyntax);
         return true;
     } catch (...) {
         return false;
@@ -216,13 +210,24 @@ bool IndexSearcher::Compile(const loam::String& text) {
 }
 
 // A glob that only tells which names cannot match is of no use without a literal byte; with
-// one, the records are searched for a piece of it, and without, each name is put to the glob.
-void IndexSearcher::ChooseMode(bool isGlob, int32_t expressionLength) {
+// one, the records are searched for a piece of it, and without, each name is put to the glob or
+// to the automaton, which decides what a glob that is not exact leaves open.
+void IndexSearcher::ChooseMode(bool isGlob, const loam::String& text) {
     testRecords = &IndexSearcher::MatchRecords;
     suffixLength = 0;
-    if (!isGlob || (!glob.IsExact() && !glob.HasLiteral()) || !FoldsAsciiOnly(expression))
+    hasAutomaton =
+        pass == Pass::Fast && !(isGlob && glob.IsExact()) && automaton.Build(text.GetCString());
+    const bool useGlob =
+        isGlob && (glob.IsExact() || glob.HasLiteral()) && FoldsAsciiOnly(expression);
+    if (!useGlob) {
+        trustedLength = automaton.GetTrustedLength();
+        if (hasAutomaton)
+            testRecords = &IndexSearcher::RunAutomaton;
         return;
-    trustedLength = TrustedLength(expressionLength, glob.GetRetriedRepeats());
+    }
+    trustedLength = TrustedLength(text.GetLength(), glob.GetRetriedRepeats());
+    if (hasAutomaton)
+        trustedLength = std::min(trustedLength, automaton.GetTrustedLength());
     testRecords = &IndexSearcher::FilterRecords;
     if (glob.HasLiteral()) {
         anchor = ChooseAnchor(glob, SampleBytes(*index));
@@ -270,6 +275,21 @@ void IndexSearcher::FilterRecords(int32_t end) {
     }
 }
 
+void IndexSearcher::RunAutomaton(int32_t end) {
+    const IndexRecord* const* records = index->GetRecords();
+    for (; cursor < end; ++cursor) {
+        const IndexRecord* record = records[cursor];
+        if (MayGiveUpOn(record) ? MatchName(record) : automaton.Matches(record->GetName()))
+            index->AddResult(record);
+    }
+}
+
+// The name is no longer than its block less the NUL, which most often settles it.
+bool IndexSearcher::MayGiveUpOn(const IndexRecord* record) const {
+    return record->nameLength > trustedLength + 1 &&
+           static_cast<int64_t>(std::strlen(record->GetName())) > trustedLength;
+}
+
 // The records lie one after the other in the image, so the slice's bytes are searched as one
 // stretch for one piece of the glob, and only the records that hold it are looked at. A piece
 // found in a record's fixed part, or across two records, is turned down by the glob.
@@ -314,7 +334,7 @@ bool IndexSearcher::Decide(const IndexRecord* record) {
         return MatchName(record);
     if (!glob.Matches(text, length))
         return false;
-    return glob.IsExact() || MatchName(record);
+    return glob.IsExact() || (hasAutomaton ? automaton.Matches(text) : MatchName(record));
 }
 
 // A glob that asks only for a name ending in the anchor piece is answered by the hit alone when
@@ -330,5 +350,5 @@ bool IndexSearcher::MatchName(const IndexRecord* record) {
     name.Assign(record->GetName());
     name.ToLower();
     const char* first = name.GetCString();
-    return boost::regex_match(first, first + name.GetLength(), match, expression, boost::match_any);
+    return boost::regex_match(first, first + name.GetLength(), match, expression, SearchMatchFlags);
 }
