@@ -19,6 +19,9 @@ static_assert(std::is_same_v<boost::regex::traits_type,
 
 constexpr int32_t SampleRuns = 16;
 constexpr int32_t SampleRunRecords = 32;
+// A scan for pieces that stands at more places than this, for each byte of the records, costs
+// more than the automaton over every name.
+constexpr double MostPiecesPerByte = 1.0 / 200;
 
 using ByteCounts = std::array<uint32_t, 256>;
 
@@ -219,10 +222,12 @@ void IndexSearcher::ChooseMode(bool isGlob, const loam::String& text) {
         pass == Pass::Fast && !(isGlob && glob.IsExact()) && automaton.Build(text.GetCString());
     const bool useGlob =
         isGlob && (glob.IsExact() || glob.HasLiteral()) && FoldsAsciiOnly(expression);
+    globDecides = useGlob;
     if (!useGlob) {
         trustedLength = automaton.GetTrustedLength();
         if (hasAutomaton)
-            testRecords = &IndexSearcher::RunAutomaton;
+            testRecords =
+                ChoosePieces() ? &IndexSearcher::ScanForPieces : &IndexSearcher::RunAutomaton;
         return;
     }
     trustedLength = TrustedLength(text.GetLength(), glob.GetRetriedRepeats());
@@ -238,6 +243,27 @@ void IndexSearcher::ChooseMode(bool isGlob, const loam::String& text) {
                            pieces[0].empty() && pieces[1].find('\0') == std::string::npos
                        ? pieces[1].size()
                        : 0;
+}
+
+// The automaton's pieces are looked for when they are rare enough, by the sample, that a scan
+// for them and the automaton at each place found cost less than the automaton over every name.
+bool IndexSearcher::ChoosePieces() {
+    finders.clear();
+    const std::vector<std::string>& pieces = automaton.GetPieces();
+    if (pieces.empty())
+        return false;
+    const ByteCounts counts = SampleBytes(*index);
+    double sampled = 1;
+    for (uint32_t count : counts)
+        sampled += count;
+    double odds = 0;
+    for (const std::string& piece : pieces) {
+        const BytePair pair = RarestPair(piece, counts, sampled);
+        odds += pair.odds / (sampled * sampled);
+        finders.emplace_back(piece, static_cast<uint32_t>(pair.first),
+                             static_cast<uint32_t>(pair.last));
+    }
+    return odds < MostPiecesPerByte;
 }
 
 // A failure inside the library ends the pass: what was found so far is the result.
@@ -313,6 +339,36 @@ void IndexSearcher::ScanRecords(int32_t end) {
     cursor = end;
 }
 
+// As ScanRecords, with several pieces: the next place of each is kept, and the records are
+// taken in the order of the places found.
+void IndexSearcher::ScanForPieces(int32_t end) {
+    if (cursor == end)
+        return;
+    const IndexRecord* const* records = index->GetRecords();
+    const int32_t total = index->GetRecordCount();
+    const char* limit = BytesOf(records[total - 1]->GetNextRecord());
+    const char* stop = end < total ? BytesOf(records[end]) : limit;
+    hits.resize(finders.size());
+    for (size_t i = 0; i < finders.size(); ++i)
+        hits[i] = finders[i].Find(BytesOf(records[cursor]), stop, limit);
+    for (int32_t next = cursor; next < end; ++next) {
+        const char* hit = *std::min_element(hits.begin(), hits.end());
+        const int32_t holder = hit == stop ? end : RecordHolding(records, next, end, hit);
+        AskAboutLongNames(next, holder);
+        if (holder == end)
+            break;
+        next = holder;
+        if (Decide(records[next]))
+            index->AddResult(records[next]);
+        const char* after = BytesOf(records[next]->GetNextRecord());
+        for (size_t i = 0; i < finders.size(); ++i) {
+            if (hits[i] < after)
+                hits[i] = finders[i].Find(after, stop, limit);
+        }
+    }
+    cursor = end;
+}
+
 // The records in [first, end) do not hold the anchor piece, so the glob turns them all down;
 // but a name on which the matcher might give up is put to the expression all the same.
 void IndexSearcher::AskAboutLongNames(int32_t first, int32_t end) {
@@ -332,9 +388,10 @@ bool IndexSearcher::Decide(const IndexRecord* record) {
     const size_t length = std::strlen(text);
     if (static_cast<int64_t>(length) > trustedLength)
         return MatchName(record);
-    if (!glob.Matches(text, length))
+    if (globDecides && !glob.Matches(text, length))
         return false;
-    return glob.IsExact() || (hasAutomaton ? automaton.Matches(text) : MatchName(record));
+    return (globDecides && glob.IsExact()) ||
+           (hasAutomaton ? automaton.Matches(text) : MatchName(record));
 }
 
 // A glob that asks only for a name ending in the anchor piece is answered by the hit alone when

@@ -54,6 +54,8 @@ private:
     void FilterRecords(int32_t end);
     void ScanRecords(int32_t end);
     void RunAutomaton(int32_t end);
+    bool ChoosePieces();
+    void ScanForPieces(int32_t end);
     bool MayGiveUpOn(const IndexRecord* record) const;
     void AskAboutLongNames(int32_t first, int32_t end);
     bool Decide(const IndexRecord* record);
@@ -67,12 +69,17 @@ private:
     // Reused from record to record, so that matching a name allocates nothing.
     loam::String name;
     boost::cmatch match;
-    // How the records of a slice are tested: MatchRecords, FilterRecords, ScanRecords or
-    // RunAutomaton.
+    // How the records of a slice are tested: MatchRecords, FilterRecords, ScanRecords,
+    // RunAutomaton or ScanForPieces.
     void (IndexSearcher::*testRecords)(int32_t end) = &IndexSearcher::MatchRecords;
     NameGlob glob;
+    // Whether the glob turns names down; where it cannot read the expression, the automaton's
+    // pieces are looked for instead, by one finder each, with the next place each stands at.
+    bool globDecides = false;
     NameAutomaton automaton;
     bool hasAutomaton = false;
+    std::vector<PieceFinder> finders;
+    std::vector<const char*> hits;
     // Names up to this length cannot make the expression's matcher give up; -1 for none.
     int32_t trustedLength = -1;
     PieceFinder anchor;

@@ -56,11 +56,100 @@ struct Node {
     int32_t other = -1;
 };
 
+// What the matches of a part of the expression hold, as folded bytes: texts that every match
+// begins with one of, ends with one of, and holds one of somewhere. A set that holds the empty
+// text says nothing. When exact, the part matches its texts and no other, and all three are
+// those texts.
+using Texts = std::vector<std::string>;
+
+struct Literals {
+    bool exact = false;
+    Texts heads{""};
+    Texts tails{""};
+    Texts inner{""};
+};
+
+constexpr size_t MaxLiteralTexts = 16;
+constexpr size_t MaxLiteralLength = 16;
+
+size_t ShortestLength(const Texts& texts) {
+    size_t shortest = MaxLiteralLength;
+    for (const std::string& text : texts)
+        shortest = std::min(shortest, text.size());
+    return shortest;
+}
+
+// Of two sets of texts, the one that fewer names hold: the longer shortest text first, then the
+// fewer texts.
+const Texts& Better(const Texts& one, const Texts& another) {
+    const size_t oneShortest = ShortestLength(one), anotherShortest = ShortestLength(another);
+    if (oneShortest != anotherShortest)
+        return oneShortest > anotherShortest ? one : another;
+    return one.size() <= another.size() ? one : another;
+}
+
+// Each text of one followed by each of another; nothing known when there would be too many or
+// too long.
+Texts Cross(const Texts& one, const Texts& another) {
+    if (one.size() * another.size() > MaxLiteralTexts)
+        return {""};
+    Texts both;
+    for (const std::string& head : one) {
+        for (const std::string& tail : another) {
+            if (head.size() + tail.size() > MaxLiteralLength)
+                return {""};
+            both.push_back(head + tail);
+        }
+    }
+    std::sort(both.begin(), both.end());
+    both.erase(std::unique(both.begin(), both.end()), both.end());
+    return both;
+}
+
+Texts Union(const Texts& one, const Texts& another) {
+    Texts either = one;
+    either.insert(either.end(), another.begin(), another.end());
+    std::sort(either.begin(), either.end());
+    either.erase(std::unique(either.begin(), either.end()), either.end());
+    return either.size() > MaxLiteralTexts ? Texts{""} : either;
+}
+
+Literals Sequenced(const Literals& one, const Literals& another) {
+    if (one.exact && another.exact) {
+        const Texts both = Cross(one.inner, another.inner);
+        if (both != Texts{""} || (one.inner == both && another.inner == both))
+            return {true, both, both, both};
+    }
+    Literals sequence;
+    sequence.heads = one.heads;
+    if (one.exact && Cross(one.heads, another.heads) != Texts{""})
+        sequence.heads = Cross(one.heads, another.heads);
+    sequence.tails = another.tails;
+    if (another.exact && Cross(one.tails, another.tails) != Texts{""})
+        sequence.tails = Cross(one.tails, another.tails);
+    const Texts across = Cross(one.tails, another.heads);
+    sequence.inner = Better(Better(one.inner, another.inner), Better(across, sequence.heads));
+    sequence.inner = Better(sequence.inner, sequence.tails);
+    return sequence;
+}
+
+Literals Alternated(const Literals& one, const Literals& another) {
+    return {one.exact && another.exact &&
+                one.inner.size() + another.inner.size() <= MaxLiteralTexts,
+            Union(one.heads, another.heads), Union(one.tails, another.tails),
+            Union(one.inner, another.inner)};
+}
+
+Literals Exactly(const std::string& text) {
+    return {true, {text}, {text}, {text}};
+}
+
 // A part of the automaton: where it begins, and the node taking no byte where it ends, whose
-// way on is still open.
+// way on is still open; and what its matches hold.
 struct Fragment {
     int32_t first = -1;
     int32_t last = -1;
+    Literals literals;
 };
 
 // Reads the expression into the nodes, and asks the library for each distinct byte piece.
@@ -72,6 +161,7 @@ public:
 
     std::vector<Node> nodes;
     std::vector<ByteSet> sets;
+    std::vector<std::string> required;
     int32_t startNode = -1;
     int32_t matchNode = -1;
 
@@ -82,27 +172,39 @@ private:
     }
     Fragment Empty() {
         const int32_t end = Add({});
-        return {end, end};
+        return {end, end, {true, {""}, {""}, {""}}};
     }
+    // A set of one byte value is a literal byte.
     Fragment OneByte(int32_t set) {
         const int32_t end = Add({});
-        return {Add({set, end}), end};
+        Literals literals;
+        if (sets[set].count() == 1) {
+            for (int value = 1; value < 256; ++value) {
+                if (sets[set][value])
+                    literals = Exactly(std::string(1, static_cast<char>(value)));
+            }
+        }
+        return {Add({set, end}), end, literals};
     }
-    void Join(Fragment& fragment, Fragment next) {
+    void Join(Fragment& fragment, const Fragment& next) {
         nodes[fragment.last].out = next.first;
         fragment.last = next.last;
+        fragment.literals = Sequenced(fragment.literals, next.literals);
     }
-    Fragment Either(Fragment one, Fragment another) {
+    Fragment Either(const Fragment& one, const Fragment& another) {
         const int32_t end = Add({});
         nodes[one.last].out = end;
         nodes[another.last].out = end;
-        return {Add({-1, one.first, another.first}), end};
+        return {Add({-1, one.first, another.first}), end,
+                Alternated(one.literals, another.literals)};
     }
     // The fragment, then as many more times over as the name allows.
-    Fragment Loop(Fragment fragment) {
+    Fragment Loop(const Fragment& fragment) {
         const int32_t end = Add({});
         nodes[fragment.last].out = Add({-1, fragment.first, end});
-        return {fragment.first, end};
+        return {fragment.first,
+                end,
+                {false, fragment.literals.heads, fragment.literals.tails, fragment.literals.inner}};
     }
 
     bool Alternatives(Fragment& fragment, int depth);
@@ -131,6 +233,8 @@ bool ExpressionReader::Read() {
     matchNode = Add({});
     nodes[whole.last].out = matchNode;
     startNode = whole.first;
+    if (ShortestLength(whole.literals.inner) > 0)
+        required = whole.literals.inner;
     return nodes.size() <= MaxNodes;
 }
 
@@ -545,6 +649,7 @@ int32_t AutomatonBuilder::TrustedLength(size_t expressionLength) const {
 
 bool NameAutomaton::Build(const char* expression) {
     table.clear();
+    pieces.clear();
     start = Stopped;
     trustedLength = -1;
     ExpressionReader reader(expression);
@@ -574,6 +679,7 @@ bool NameAutomaton::Build(const char* expression) {
             std::binary_search(nodes.begin(), nodes.end(), reader.matchNode) ? Accepted : Stopped;
     }
     start = 0;
+    pieces = reader.required;
     trustedLength = builder.TrustedLength(std::strlen(expression));
     return true;
 }

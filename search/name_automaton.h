@@ -3,6 +3,7 @@
 #include <boost/regex.hpp>
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 // The syntax and matching flags of every expression a search compiles: Perl-like syntax with
@@ -54,6 +55,9 @@ public:
 
     // Names up to this length cannot make the library's matcher give up; -1 for none.
     int32_t GetTrustedLength() const { return trustedLength; }
+    // Texts of folded bytes of which every matching name holds one; none when no such texts
+    // are known.
+    const std::vector<std::string>& GetPieces() const { return pieces; }
 
     // Entries of the table at which a name is decided: turned down, or matched at its end.
     static constexpr uint32_t Stopped = 0xFFFFFFFE;
@@ -65,4 +69,5 @@ private:
     uint16_t classes[256] = {};
     uint32_t start = Stopped;
     int32_t trustedLength = -1;
+    std::vector<std::string> pieces;
 };
