@@ -301,12 +301,27 @@ void IndexSearcher::FilterRecords(int32_t end) {
     }
 }
 
+// Four names at a time, unless one of them is left to the library.
 void IndexSearcher::RunAutomaton(int32_t end) {
     const IndexRecord* const* records = index->GetRecords();
-    for (; cursor < end; ++cursor) {
-        const IndexRecord* record = records[cursor];
-        if (MayGiveUpOn(record) ? MatchName(record) : automaton.Matches(record->GetName()))
-            index->AddResult(record);
+    while (cursor < end) {
+        const IndexRecord* const* four = records + cursor;
+        if (end - cursor < 4 || MayGiveUpOn(four[0]) || MayGiveUpOn(four[1]) ||
+            MayGiveUpOn(four[2]) || MayGiveUpOn(four[3])) {
+            if (MayGiveUpOn(four[0]) ? MatchName(four[0]) : automaton.Matches(four[0]->GetName()))
+                index->AddResult(four[0]);
+            ++cursor;
+            continue;
+        }
+        const char* const names[4] = {four[0]->GetName(), four[1]->GetName(), four[2]->GetName(),
+                                      four[3]->GetName()};
+        bool matched[4];
+        automaton.MatchFour(names, matched);
+        for (int i = 0; i < 4; ++i) {
+            if (matched[i])
+                index->AddResult(four[i]);
+        }
+        cursor += 4;
     }
 }
 

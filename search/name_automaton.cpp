@@ -17,7 +17,7 @@ constexpr size_t MaxStates = 2000;
 constexpr int32_t MaxRepeatCount = 1000;
 // Counting the ways through the expression for longer and longer names stops here, and the
 // names beyond the length reached are left to the library.
-constexpr double CountingWork = 20e6;
+constexpr double CountingWork = 2e6;
 
 using ByteSet = std::bitset<256>;
 
@@ -645,12 +645,44 @@ int32_t AutomatonBuilder::TrustedLength(size_t expressionLength) const {
     }
 }
 
+// The states that match whatever follows (every byte leads to such a state, and a name's end
+// matches), and the states from which no match can be reached. A name is decided on reaching
+// either.
+enum Outcome : int32_t { Open, Matched, Refused };
+
+std::vector<int32_t> Outcomes(const StateGraph& graph, int32_t matchNode) {
+    const size_t count = graph.states.size();
+    std::vector<int32_t> outcome(count, Open);
+    std::vector<bool> matching(count), live(count);
+    for (size_t state = 0; state < count; ++state) {
+        const std::vector<int32_t>& nodes = graph.states[state];
+        matching[state] = std::binary_search(nodes.begin(), nodes.end(), matchNode);
+        live[state] = matching[state];
+    }
+    for (bool changed = true; changed;) {
+        changed = false;
+        for (size_t state = 0; state < count; ++state) {
+            bool leadsToLive = live[state], staysMatching = matching[state];
+            for (int32_t to : graph.next[state]) {
+                leadsToLive = leadsToLive || (to >= 0 && live[to]);
+                staysMatching = staysMatching && to >= 0 && matching[to];
+            }
+            changed = changed || leadsToLive != live[state] || staysMatching != matching[state];
+            live[state] = leadsToLive;
+            matching[state] = staysMatching;
+        }
+    }
+    for (size_t state = 0; state < count; ++state)
+        outcome[state] = matching[state] ? Matched : live[state] ? Open : Refused;
+    return outcome;
+}
+
 } // namespace
 
 bool NameAutomaton::Build(const char* expression) {
     table.clear();
     pieces.clear();
-    start = Stopped;
+    start = stopped = accepted = 0;
     trustedLength = -1;
     ExpressionReader reader(expression);
     if (!reader.Read())
@@ -666,20 +698,54 @@ bool NameAutomaton::Build(const char* expression) {
     if (!builder.Build(classes))
         return false;
     const StateGraph& graph = builder.graph;
+    const std::vector<int32_t> outcome = Outcomes(graph, reader.matchNode);
     const auto width = static_cast<uint32_t>(graph.classCount);
-    table.assign(graph.states.size() * width, Stopped);
-    for (size_t state = 0; state < graph.states.size(); ++state) {
+    const auto count = static_cast<uint32_t>(graph.states.size());
+    // Two rows after the states' rows, which keep a decided name where it is.
+    stopped = count * width;
+    accepted = stopped + width;
+    table.assign(static_cast<size_t>(count + 2) * width, stopped);
+    std::fill(table.begin() + accepted, table.end(), accepted);
+    const auto entry = [&](int32_t to) {
+        return to < 0 || outcome[to] == Refused ? stopped
+               : outcome[to] == Matched         ? accepted
+                                                : static_cast<uint32_t>(to) * width;
+    };
+    for (uint32_t state = 0; state < count; ++state) {
         uint32_t* row = &table[state * width];
-        for (uint32_t byteClass = 0; byteClass + 1 < width; ++byteClass) {
-            const int32_t to = graph.next[state][byteClass];
-            row[byteClass] = to < 0 ? Stopped : static_cast<uint32_t>(to) * width;
-        }
+        for (uint32_t byteClass = 0; byteClass + 1 < width; ++byteClass)
+            row[byteClass] = entry(graph.next[state][byteClass]);
         const std::vector<int32_t>& nodes = graph.states[state];
         row[width - 1] =
-            std::binary_search(nodes.begin(), nodes.end(), reader.matchNode) ? Accepted : Stopped;
+            std::binary_search(nodes.begin(), nodes.end(), reader.matchNode) ? accepted : stopped;
     }
-    start = 0;
+    start = entry(0);
     pieces = reader.required;
     trustedLength = builder.TrustedLength(std::strlen(expression));
     return true;
+}
+
+// Four names at once, each on its own chain of table reads, so that the processor overlaps
+// them; a decided name's place stays where it was decided.
+void NameAutomaton::MatchFour(const char* const (&names)[4], bool (&matched)[4]) const {
+    const uint32_t* rows = table.data();
+    const auto* a = reinterpret_cast<const uint8_t*>(names[0]);
+    const auto* b = reinterpret_cast<const uint8_t*>(names[1]);
+    const auto* c = reinterpret_cast<const uint8_t*>(names[2]);
+    const auto* d = reinterpret_cast<const uint8_t*>(names[3]);
+    uint32_t sa = start, sb = start, sc = start, sd = start;
+    while (std::min(std::min(sa, sb), std::min(sc, sd)) < stopped) {
+        sa = rows[sa + classes[*a]];
+        sb = rows[sb + classes[*b]];
+        sc = rows[sc + classes[*c]];
+        sd = rows[sd + classes[*d]];
+        a += sa < stopped;
+        b += sb < stopped;
+        c += sc < stopped;
+        d += sd < stopped;
+    }
+    matched[0] = sa == accepted;
+    matched[1] = sb == accepted;
+    matched[2] = sc == accepted;
+    matched[3] = sd == accepted;
 }

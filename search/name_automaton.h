@@ -47,11 +47,12 @@ public:
     bool Matches(const char* name) const {
         const auto* at = reinterpret_cast<const uint8_t*>(name);
         uint32_t state = start;
-        do
+        while (state < stopped)
             state = table[state + classes[*at++]];
-        while (state < Stopped);
-        return state == Accepted;
+        return state == accepted;
     }
+    // The same for four names.
+    void MatchFour(const char* const (&names)[4], bool (&matched)[4]) const;
 
     // Names up to this length cannot make the library's matcher give up; -1 for none.
     int32_t GetTrustedLength() const { return trustedLength; }
@@ -59,15 +60,14 @@ public:
     // are known.
     const std::vector<std::string>& GetPieces() const { return pieces; }
 
-    // Entries of the table at which a name is decided: turned down, or matched at its end.
-    static constexpr uint32_t Stopped = 0xFFFFFFFE;
-    static constexpr uint32_t Accepted = 0xFFFFFFFF;
-
 private:
-    // For each state, one entry per byte class: the next state's first entry, or a stop.
+    // For each state, one entry per byte class: the next state's first entry. A name is decided
+    // at the rows from stopped on: turned down there, or matched at accepted.
     std::vector<uint32_t> table;
     uint16_t classes[256] = {};
-    uint32_t start = Stopped;
+    uint32_t start = 0;
+    uint32_t stopped = 0;
+    uint32_t accepted = 0;
     int32_t trustedLength = -1;
     std::vector<std::string> pieces;
 };
