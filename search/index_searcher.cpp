@@ -384,7 +384,7 @@ void IndexSearcher::ScanForPieces(int32_t end) {
     cursor = end;
 }
 
-// The records in [first, end) do not hold the anchor piece, so the glob turns them all down;
+// The records in [first, end) hold no piece that was looked for, so none of them can match;
 // but a name on which the matcher might give up is put to the expression all the same.
 void IndexSearcher::AskAboutLongNames(int32_t first, int32_t end) {
     if (trustedLength == LongestLoadableName)

@@ -18,6 +18,8 @@ constexpr int32_t MaxRepeatCount = 1000;
 // Counting the ways through the expression for longer and longer names stops here, and the
 // names beyond the length reached are left to the library.
 constexpr double CountingWork = 2e6;
+// Nor is an automaton built whose states and byte classes take more than this to work out.
+constexpr double BuildingWork = 4e6;
 
 using ByteSet = std::bitset<256>;
 
@@ -554,8 +556,12 @@ bool AutomatonBuilder::Build(uint16_t (&classes)[256]) {
         first.push_back(way.node);
     known.emplace(first, 0);
     graph.states.push_back(first);
+    double work = 0;
     for (size_t state = 0; state < graph.states.size(); ++state) {
         std::vector<int32_t> next(graph.classCount - 1, -1);
+        work += static_cast<double>(graph.states[state].size()) * graph.classCount;
+        if (work > BuildingWork)
+            return false;
         for (int32_t byteClass = 0; byteClass + 1 < graph.classCount; ++byteClass) {
             std::vector<int32_t> target = NextState(graph.states[state], byteClass);
             if (target.empty())
