@@ -32,7 +32,8 @@ bool IsPunctuation(char byte) {
 }
 
 // The bytes, as a folded name holds them, that one piece of the expression matches, as the
-// library decides. A piece that would match no byte or the empty name is not one byte's piece.
+// library decides. A piece that matches the empty name or no byte at all is not one byte's
+// piece: it may be an assertion, such as the escapes of a word's start and end.
 bool LearnBytes(const std::string& piece, ByteSet& bytes) {
     try {
         const boost::regex expression(piece, SearchSyntax);
@@ -44,7 +45,7 @@ bool LearnBytes(const std::string& piece, ByteSet& bytes) {
             bytes[value] = loam::FoldToLower(byte) == byte &&
                            boost::regex_match(&byte, &byte + 1, expression, SearchMatchFlags);
         }
-        return true;
+        return bytes.any();
     } catch (...) {
         return false;
     }

@@ -102,7 +102,7 @@ std::vector<const IndexRecord*> Search(IndexSearcher::Pass pass, const std::stri
 const char* const syntax[] = {
     ".*",          "(jpg|png)", "[0-9]", "{2,4}", "[a-z]+",      "\\s", "\\d",    "\\w", "[^a]",
     "(?:",         ")",         "|",     "{3}",   "[[:alpha:]]", "\\.", "+",      "*",   "?",
-    "[\xC0-\xFF]", "(a|ab)",    "{1,}",  "^",     "$",           "\\W", "[\\d.]", "\\S"};
+    "[\xC0-\xFF]", "(a|ab)",    "{1,}",  "^",     "$",           "\\<", "[\\d.]", "\\S"};
 
 std::string Expand(const std::string& text) {
     std::string pattern;

@@ -31,6 +31,8 @@ TEST(NameAutomaton, ReadsOnlyWhatAnAutomatonDecides) {
         {"a^b", false, -1},
         {"a$b", false, -1},
         {"(a$)", false, -1},
+        {"\\<a\\>", false, -1},
+        {"a\\'", false, -1},
         {"a++", false, -1},
         {"(a*)*", false, -1},
         {"[[.a.]]", false, -1},
