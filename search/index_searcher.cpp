@@ -227,7 +227,7 @@ void IndexSearcher::ChooseMode(bool isGlob, const loam::String& text) {
         trustedLength = automaton.GetTrustedLength();
         if (hasAutomaton)
             testRecords =
-                ChoosePieces() ? &IndexSearcher::ScanForPieces : &IndexSearcher::RunAutomaton;
+                ChoosePieces() ? &IndexSearcher::ScanRecords : &IndexSearcher::RunAutomaton;
         return;
     }
     trustedLength = TrustedLength(text.GetLength(), glob.GetRetriedRepeats());
@@ -235,7 +235,7 @@ void IndexSearcher::ChooseMode(bool isGlob, const loam::String& text) {
         trustedLength = std::min(trustedLength, automaton.GetTrustedLength());
     testRecords = &IndexSearcher::FilterRecords;
     if (glob.HasLiteral()) {
-        anchor = ChooseAnchor(glob, SampleBytes(*index));
+        finders.assign(1, ChooseAnchor(glob, SampleBytes(*index)));
         testRecords = &IndexSearcher::ScanRecords;
     }
     const std::vector<std::string>& pieces = glob.GetPieces();
@@ -332,31 +332,11 @@ bool IndexSearcher::MayGiveUpOn(const IndexRecord* record) const {
 }
 
 // The records lie one after the other in the image, so the slice's bytes are searched as one
-// stretch for one piece of the glob, and only the records that hold it are looked at. A piece
-// found in a record's fixed part, or across two records, is turned down by the glob.
+// stretch for the pieces looked for (the glob's anchor piece, or the automaton's pieces), and
+// only the records that hold one are looked at, in the order of the places found; the next
+// place of each piece is kept. A piece found in a record's fixed part, or across two records,
+// is turned down by the glob or the automaton.
 void IndexSearcher::ScanRecords(int32_t end) {
-    if (cursor == end)
-        return;
-    const IndexRecord* const* records = index->GetRecords();
-    const int32_t total = index->GetRecordCount();
-    const char* limit = BytesOf(records[total - 1]->GetNextRecord());
-    const char* stop = end < total ? BytesOf(records[end]) : limit;
-    for (int32_t next = cursor; next < end; ++next) {
-        const char* hit = anchor.Find(BytesOf(records[next]), stop, limit);
-        const int32_t holder = hit == stop ? end : RecordHolding(records, next, end, hit);
-        AskAboutLongNames(next, holder);
-        if (holder == end)
-            break;
-        next = holder;
-        if (EndsInAnchorAt(records[next], hit) || Decide(records[next]))
-            index->AddResult(records[next]);
-    }
-    cursor = end;
-}
-
-// As ScanRecords, with several pieces: the next place of each is kept, and the records are
-// taken in the order of the places found.
-void IndexSearcher::ScanForPieces(int32_t end) {
     if (cursor == end)
         return;
     const IndexRecord* const* records = index->GetRecords();
@@ -373,7 +353,7 @@ void IndexSearcher::ScanForPieces(int32_t end) {
         if (holder == end)
             break;
         next = holder;
-        if (Decide(records[next]))
+        if (EndsInAnchorAt(records[next], hit) || Decide(records[next]))
             index->AddResult(records[next]);
         const char* after = BytesOf(records[next]->GetNextRecord());
         for (size_t i = 0; i < finders.size(); ++i) {

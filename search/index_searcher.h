@@ -55,7 +55,6 @@ private:
     void ScanRecords(int32_t end);
     void RunAutomaton(int32_t end);
     bool ChoosePieces();
-    void ScanForPieces(int32_t end);
     bool MayGiveUpOn(const IndexRecord* record) const;
     void AskAboutLongNames(int32_t first, int32_t end);
     bool Decide(const IndexRecord* record);
@@ -69,20 +68,20 @@ private:
     // Reused from record to record, so that matching a name allocates nothing.
     loam::String name;
     boost::cmatch match;
-    // How the records of a slice are tested: MatchRecords, FilterRecords, ScanRecords,
-    // RunAutomaton or ScanForPieces.
+    // How the records of a slice are tested: MatchRecords, FilterRecords, ScanRecords or
+    // RunAutomaton.
     void (IndexSearcher::*testRecords)(int32_t end) = &IndexSearcher::MatchRecords;
     NameGlob glob;
-    // Whether the glob turns names down; where it cannot read the expression, the automaton's
-    // pieces are looked for instead, by one finder each, with the next place each stands at.
+    // Whether the glob turns names down.
     bool globDecides = false;
     NameAutomaton automaton;
     bool hasAutomaton = false;
+    // The pieces a scan looks for: the glob's anchor piece, or where the glob cannot read the
+    // expression the automaton's pieces; and the next place that each stands at.
     std::vector<PieceFinder> finders;
     std::vector<const char*> hits;
     // Names up to this length cannot make the expression's matcher give up; -1 for none.
     int32_t trustedLength = -1;
-    PieceFinder anchor;
     // When all the glob asks is that a name end in the anchor piece, which is all literal bytes:
     // that piece's length; 0 otherwise.
     size_t suffixLength = 0;
