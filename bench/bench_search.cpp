@@ -88,11 +88,27 @@ SEARCH_BENCHMARK(RegularExpressionWithLiteral, "img_[0-9]+\\.jpg", true, false);
 SEARCH_BENCHMARK(RegularExpressionOfLiteralsAndRuns, ".*report.*\\.pdf", true, false);
 SEARCH_BENCHMARK(RegularExpressionWithoutLiteral, "[a-z]+[0-9]+", true, false);
 SEARCH_BENCHMARK(RegularExpressionWithGroup, "(img_|dsc)[0-9]+\\.jpe?g", true, false);
+SEARCH_BENCHMARK(RegularExpressionOfAlternativeSuffixes, ".*\\.(jpg|png)", true, false);
+SEARCH_BENCHMARK(RegularExpressionWithInterval, ".*[0-9]{4}.*", true, false);
+SEARCH_BENCHMARK(RegularExpressionOfNestedGroups, "((img|dsc)_?|[a-z]+-)[0-9]{4,}(\\.[a-z]+)?",
+                 true, false);
+SEARCH_BENCHMARK(RegularExpressionOutsideTheAutomaton, "(.*)\\1", true, false);
 
 BENCHMARK_CAPTURE(RunSearch, PlainWordWithAutomaticWildcards, "report", false, true, Pass::Fast)
     ->Arg(TenMillion)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(RunSearch, ExtensionWildcard, "*.txt", false, false, Pass::Fast)
+    ->Arg(TenMillion)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(RunSearch, RegularExpressionOfAlternativeSuffixes, ".*\\.(jpg|png)", true, false,
+                  Pass::Fast)
+    ->Arg(TenMillion)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(RunSearch, RegularExpressionWithoutLiteral, "[a-z]+[0-9]+", true, false,
+                  Pass::Fast)
+    ->Arg(TenMillion)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(RunSearch, RegularExpressionWithInterval, ".*[0-9]{4}.*", true, false, Pass::Fast)
     ->Arg(TenMillion)
     ->Unit(benchmark::kMillisecond);
 

@@ -17,13 +17,11 @@ namespace {
 static_assert(std::is_same_v<boost::regex::traits_type,
                              boost::regex_traits<char, boost::cpp_regex_traits<char>>>);
 
-// A name block's length is one byte, so no loaded name is longer.
-constexpr int32_t LongestLoadableName = 254;
-// However short the name and the expression, the matcher takes at least this many steps before
-// it gives up on a name by throwing.
-constexpr double MatcherStepFloor = 100000;
 constexpr int32_t SampleRuns = 16;
 constexpr int32_t SampleRunRecords = 32;
+// A scan for pieces that stands at more places than this, for each byte of the records, costs
+// more than the automaton over every name.
+constexpr double MostPiecesPerByte = 1.0 / 200;
 
 using ByteCounts = std::array<uint32_t, 256>;
 
@@ -197,7 +195,7 @@ bool IndexSearcher::Start(IndexData* data, loam::String pattern, bool isRegExp,
     const bool isGlob =
         pass == Pass::Fast && (isRegExp ? glob.ReadExpression(text.GetCString())
                                         : glob.ReadWildcards(wildcards.GetCString()));
-    ChooseMode(isGlob, text.GetLength());
+    ChooseMode(isGlob, text);
     return true;
 }
 
@@ -207,8 +205,7 @@ bool IndexSearcher::Compile(const loam::String& text) {
     if (text.IsEmpty())
         return false;
     try {
-        expression.assign(text.GetCString(), text.GetCString() + text.GetLength(),
-                          boost::regex::perl | boost::regex::icase);
+        expression.assign(text.GetCString(), text.GetCString() + text.GetLength(), SearchSyntax);
         return true;
     } catch (...) {
         return false;
@@ -216,16 +213,29 @@ bool IndexSearcher::Compile(const loam::String& text) {
 }
 
 // A glob that only tells which names cannot match is of no use without a literal byte; with
-// one, the records are searched for a piece of it, and without, each name is put to the glob.
-void IndexSearcher::ChooseMode(bool isGlob, int32_t expressionLength) {
+// one, the records are searched for a piece of it, and without, each name is put to the glob or
+// to the automaton, which decides what a glob that is not exact leaves open.
+void IndexSearcher::ChooseMode(bool isGlob, const loam::String& text) {
     testRecords = &IndexSearcher::MatchRecords;
     suffixLength = 0;
-    if (!isGlob || (!glob.IsExact() && !glob.HasLiteral()) || !FoldsAsciiOnly(expression))
+    hasAutomaton =
+        pass == Pass::Fast && !(isGlob && glob.IsExact()) && automaton.Build(text.GetCString());
+    const bool useGlob =
+        isGlob && (glob.IsExact() || glob.HasLiteral()) && FoldsAsciiOnly(expression);
+    globDecides = useGlob;
+    if (!useGlob) {
+        trustedLength = automaton.GetTrustedLength();
+        if (hasAutomaton)
+            testRecords =
+                ChoosePieces() ? &IndexSearcher::ScanRecords : &IndexSearcher::RunAutomaton;
         return;
-    trustedLength = TrustedLength(expressionLength, glob.GetRetriedRepeats());
+    }
+    trustedLength = TrustedLength(text.GetLength(), glob.GetRetriedRepeats());
+    if (hasAutomaton)
+        trustedLength = std::min(trustedLength, automaton.GetTrustedLength());
     testRecords = &IndexSearcher::FilterRecords;
     if (glob.HasLiteral()) {
-        anchor = ChooseAnchor(glob, SampleBytes(*index));
+        finders.assign(1, ChooseAnchor(glob, SampleBytes(*index)));
         testRecords = &IndexSearcher::ScanRecords;
     }
     const std::vector<std::string>& pieces = glob.GetPieces();
@@ -233,6 +243,27 @@ void IndexSearcher::ChooseMode(bool isGlob, int32_t expressionLength) {
                            pieces[0].empty() && pieces[1].find('\0') == std::string::npos
                        ? pieces[1].size()
                        : 0;
+}
+
+// The automaton's pieces are looked for when they are rare enough, by the sample, that a scan
+// for them and the automaton at each place found cost less than the automaton over every name.
+bool IndexSearcher::ChoosePieces() {
+    finders.clear();
+    const std::vector<std::string>& pieces = automaton.GetPieces();
+    if (pieces.empty())
+        return false;
+    const ByteCounts counts = SampleBytes(*index);
+    double sampled = 1;
+    for (uint32_t count : counts)
+        sampled += count;
+    double odds = 0;
+    for (const std::string& piece : pieces) {
+        const BytePair pair = RarestPair(piece, counts, sampled);
+        odds += pair.odds / (sampled * sampled);
+        finders.emplace_back(piece, static_cast<uint32_t>(pair.first),
+                             static_cast<uint32_t>(pair.last));
+    }
+    return odds < MostPiecesPerByte;
 }
 
 // A failure inside the library ends the pass: what was found so far is the result.
@@ -270,9 +301,41 @@ void IndexSearcher::FilterRecords(int32_t end) {
     }
 }
 
+// Four names at a time, unless one of them is left to the library.
+void IndexSearcher::RunAutomaton(int32_t end) {
+    const IndexRecord* const* records = index->GetRecords();
+    while (cursor < end) {
+        const IndexRecord* const* four = records + cursor;
+        if (end - cursor < 4 || MayGiveUpOn(four[0]) || MayGiveUpOn(four[1]) ||
+            MayGiveUpOn(four[2]) || MayGiveUpOn(four[3])) {
+            if (MayGiveUpOn(four[0]) ? MatchName(four[0]) : automaton.Matches(four[0]->GetName()))
+                index->AddResult(four[0]);
+            ++cursor;
+            continue;
+        }
+        const char* const names[4] = {four[0]->GetName(), four[1]->GetName(), four[2]->GetName(),
+                                      four[3]->GetName()};
+        bool matched[4];
+        automaton.MatchFour(names, matched);
+        for (int i = 0; i < 4; ++i) {
+            if (matched[i])
+                index->AddResult(four[i]);
+        }
+        cursor += 4;
+    }
+}
+
+// The name is no longer than its block less the NUL, which most often settles it.
+bool IndexSearcher::MayGiveUpOn(const IndexRecord* record) const {
+    return record->nameLength > trustedLength + 1 &&
+           static_cast<int64_t>(std::strlen(record->GetName())) > trustedLength;
+}
+
 // The records lie one after the other in the image, so the slice's bytes are searched as one
-// stretch for one piece of the glob, and only the records that hold it are looked at. A piece
-// found in a record's fixed part, or across two records, is turned down by the glob.
+// stretch for the pieces looked for (the glob's anchor piece, or the automaton's pieces), and
+// only the records that hold one are looked at, in the order of the places found; the next
+// place of each piece is kept. A piece found in a record's fixed part, or across two records,
+// is turned down by the glob or the automaton.
 void IndexSearcher::ScanRecords(int32_t end) {
     if (cursor == end)
         return;
@@ -280,8 +343,11 @@ void IndexSearcher::ScanRecords(int32_t end) {
     const int32_t total = index->GetRecordCount();
     const char* limit = BytesOf(records[total - 1]->GetNextRecord());
     const char* stop = end < total ? BytesOf(records[end]) : limit;
+    hits.resize(finders.size());
+    for (size_t i = 0; i < finders.size(); ++i)
+        hits[i] = finders[i].Find(BytesOf(records[cursor]), stop, limit);
     for (int32_t next = cursor; next < end; ++next) {
-        const char* hit = anchor.Find(BytesOf(records[next]), stop, limit);
+        const char* hit = *std::min_element(hits.begin(), hits.end());
         const int32_t holder = hit == stop ? end : RecordHolding(records, next, end, hit);
         AskAboutLongNames(next, holder);
         if (holder == end)
@@ -289,11 +355,16 @@ void IndexSearcher::ScanRecords(int32_t end) {
         next = holder;
         if (EndsInAnchorAt(records[next], hit) || Decide(records[next]))
             index->AddResult(records[next]);
+        const char* after = BytesOf(records[next]->GetNextRecord());
+        for (size_t i = 0; i < finders.size(); ++i) {
+            if (hits[i] < after)
+                hits[i] = finders[i].Find(after, stop, limit);
+        }
     }
     cursor = end;
 }
 
-// The records in [first, end) do not hold the anchor piece, so the glob turns them all down;
+// The records in [first, end) hold no piece that was looked for, so none of them can match;
 // but a name on which the matcher might give up is put to the expression all the same.
 void IndexSearcher::AskAboutLongNames(int32_t first, int32_t end) {
     if (trustedLength == LongestLoadableName)
@@ -312,9 +383,10 @@ bool IndexSearcher::Decide(const IndexRecord* record) {
     const size_t length = std::strlen(text);
     if (static_cast<int64_t>(length) > trustedLength)
         return MatchName(record);
-    if (!glob.Matches(text, length))
+    if (globDecides && !glob.Matches(text, length))
         return false;
-    return glob.IsExact() || MatchName(record);
+    return (globDecides && glob.IsExact()) ||
+           (hasAutomaton ? automaton.Matches(text) : MatchName(record));
 }
 
 // A glob that asks only for a name ending in the anchor piece is answered by the hit alone when
@@ -330,5 +402,5 @@ bool IndexSearcher::MatchName(const IndexRecord* record) {
     name.Assign(record->GetName());
     name.ToLower();
     const char* first = name.GetCString();
-    return boost::regex_match(first, first + name.GetLength(), match, expression, boost::match_any);
+    return boost::regex_match(first, first + name.GetLength(), match, expression, SearchMatchFlags);
 }

@@ -3,6 +3,7 @@
 #include "index/index_data.h"
 #include "loam/string.h"
 #include "quilt/job_worker.h"
+#include "search/name_automaton.h"
 #include "search/name_glob.h"
 #include "search/piece_finder.h"
 
@@ -22,6 +23,10 @@ inline constexpr char SearchSyntaxErrorText[] =
 // glob and passes over the names that cannot match without asking the expression; where the
 // glob says exactly what the expression would, it decides alone. It gives the results of the
 // plain pass, which asks the expression about every name and is kept for comparison.
+//
+// Where the expression is a regular language that a finite automaton decides, the automaton
+// takes the expression's place for every name on which the expression's matcher cannot give
+// up, after the glob's scan where the glob finds a literal piece.
 class IndexSearcher : public quilt::JobWorker {
 public:
     static constexpr int32_t SliceRecords = 10000;
@@ -52,11 +57,14 @@ public:
 
 private:
     bool Compile(const loam::String& text);
-    void ChooseMode(bool isGlob, int32_t expressionLength);
+    void ChooseMode(bool isGlob, const loam::String& text);
     int32_t TestRecords(int32_t* percent);
     void MatchRecords(int32_t end);
     void FilterRecords(int32_t end);
     void ScanRecords(int32_t end);
+    void RunAutomaton(int32_t end);
+    bool ChoosePieces();
+    bool MayGiveUpOn(const IndexRecord* record) const;
     void AskAboutLongNames(int32_t first, int32_t end);
     bool Decide(const IndexRecord* record);
     bool EndsInAnchorAt(const IndexRecord* record, const char* hit) const;
@@ -69,12 +77,20 @@ private:
     // Reused from record to record, so that matching a name allocates nothing.
     loam::String name;
     boost::cmatch match;
-    // How the records of a slice are tested: MatchRecords, FilterRecords or ScanRecords.
+    // How the records of a slice are tested: MatchRecords, FilterRecords, ScanRecords or
+    // RunAutomaton.
     void (IndexSearcher::*testRecords)(int32_t end) = &IndexSearcher::MatchRecords;
     NameGlob glob;
+    // Whether the glob turns names down.
+    bool globDecides = false;
+    NameAutomaton automaton;
+    bool hasAutomaton = false;
+    // The pieces a scan looks for: the glob's anchor piece, or where the glob cannot read the
+    // expression the automaton's pieces; and the next place that each stands at.
+    std::vector<PieceFinder> finders;
+    std::vector<const char*> hits;
     // Names up to this length cannot make the expression's matcher give up; -1 for none.
     int32_t trustedLength = -1;
-    PieceFinder anchor;
     // When all the glob asks is that a name end in the anchor piece, which is all literal bytes:
     // that piece's length; 0 otherwise.
     size_t suffixLength = 0;

@@ -31,22 +31,35 @@ void AppendRecord(std::string& bytes, uint8_t kind, uint32_t parent, const std::
 }
 
 std::string MakeImage() {
-    const char* names[] = {"readme.txt",
-                           "Report 2024.DOC",
-                           "a",
-                           "",
-                           ".hidden",
-                           "x.tar.gz",
-                           "\xC9t\xE9.jpg",
-                           "(paren)[bracket]{brace}",
-                           "dots...",
-                           "a*b?c",
-                           "README",
-                           "old readme.TXT",
-                           "img_0042.jpg",
-                           "DSC1234.JPEG",
-                           "txt",
-                           "a.b.c.d.e.f.g.h"};
+    const char* names[] = {
+        "readme.txt",
+        "Report 2024.DOC",
+        "a",
+        "",
+        ".hidden",
+        "x.tar.gz",
+        "\xC9t\xE9.jpg",
+        "(paren)[bracket]{brace}",
+        "dots...",
+        "a*b?c",
+        "README",
+        "old readme.TXT",
+        "img_0042.jpg",
+        "DSC1234.JPEG",
+        "txt",
+        "a.b.c.d.e.f.g.h",
+        "line\nend",
+        "\n",
+        "tab\there\r",
+        "\xE9\xC9\xFF\x80",
+        "IMG_20240611_1234.PNG",
+        "backup-2023-12-31.tar.gz",
+        "a b\fc\vd",
+        "aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa"
+        "aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa"
+        "aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa",
+        "Zz9_-+.~!@#$%^&()[]{}",
+        "0123456789"};
     std::string bytes;
     AppendInt(bytes, IndexFormatVersion);
     AppendInt(bytes, 0);
@@ -84,14 +97,35 @@ std::vector<const IndexRecord*> Search(IndexSearcher::Pass pass, const std::stri
     return found;
 }
 
+// Control bytes that a pattern rarely holds stand for pieces of regular-expression syntax, so
+// that the fuzzer meets groups, alternatives, classes and intervals often.
+const char* const syntax[] = {
+    ".*",          "(jpg|png)", "[0-9]", "{2,4}", "[a-z]+",      "\\s", "\\d",    "\\w", "[^a]",
+    "(?:",         ")",         "|",     "{3}",   "[[:alpha:]]", "\\.", "+",      "*",   "?",
+    "[\xC0-\xFF]", "(a|ab)",    "{1,}",  "^",     "$",           "\\<", "[\\d.]", "\\S"};
+
+std::string Expand(const std::string& text) {
+    std::string pattern;
+    for (char byte : text) {
+        const auto value = static_cast<uint8_t>(byte);
+        const int token = value < 9 ? value - 1 : value >= 14 && value < 32 ? value - 6 : -1;
+        if (token >= 0 && token < static_cast<int>(std::size(syntax)))
+            pattern += syntax[token];
+        else
+            pattern += byte;
+    }
+    return pattern;
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size < 1 || size > 512)
         return 0;
-    const std::string text(reinterpret_cast<const char*>(data) + 1, size - 1);
-    if (text.find('\0') != std::string::npos)
+    const std::string raw(reinterpret_cast<const char*>(data) + 1, size - 1);
+    if (raw.find('\0') != std::string::npos)
         return 0;
+    const std::string text = Expand(raw);
     const auto plain = Search(IndexSearcher::Pass::Plain, text, data[0]);
     const auto fast = Search(IndexSearcher::Pass::Fast, text, data[0]);
     loam::ClearErrors();

@@ -17,16 +17,21 @@ namespace {
 using Names = std::vector<std::string>;
 using Results = std::vector<const IndexRecord*>;
 
-const char* const words[] = {"report", "README",  "notes",     "a",    "b", "ab",   "aab", "txt",
-                             "img",    "Caf\xC9", "\xE9t\xE9", "\xFF", "x", "Data", "TXT", "q"};
+const char* const words[] = {"report", "README", "notes", "a",       "b",         "ab",
+                             "aab",    "txt",    "img",   "Caf\xC9", "\xE9t\xE9", "\xFF",
+                             "x",      "Data",   "TXT",   "q",       "2024",      "IMG_0042"};
 const char* const joins[] = {".", " ",   "_", "-",    "(",    ")",    "[",    "]",      "+", "$",
                              "^", "|",   "{", "}",    "\\",   "*",    "?",    "\n",     "",  "",
                              "",  ".tx", "t", "\x80", ".txt", ".TXT", ".jpg", ".tar.gz"};
 // Pieces of regular expressions, with and without literal bytes.
-const char* const atoms[] = {".",    ".*",    ".+",    ".?",  "[a-c]", "[^x]",
-                             "[]a]", "a*",    "b+",    "t?",  "\\.",   "\\+",
-                             "\\$",  "(a|b)", "(x)*",  "\\d", "x{2}",  "[[:alpha:]]",
-                             "|",    "\xC9",  "\xE9*", "\n",  "TxT",   "report"};
+const char* const atoms[] = {
+    ".", ".*", ".+", ".?", "[a-c]", "[^x]", "[]a]", "a*", "b+", "t?", "\\.", "\\+", "\\$", "(a|b)",
+    "(x)*", "\\d", "x{2}", "[[:alpha:]]", "|", "\xC9", "\xE9*", "\n", "TxT", "report",
+    // What the automaton reads, and what it leaves to the library.
+    "\\.(txt|TXT|tar\\.gz)", "(jpg|png)", "[0-9]{2,4}", "[a-z]+", "[^a-c]*", "(ab|a)+", "(a|b){2}",
+    "\\s", "\\S+", "\\w*", "\\W", "\\D", "[[:digit:]]", "[\\d.]", "(?:x|\\n)", ".{1,3}",
+    "(a(b|c)*)?", "[\xC0-\xFF]", "\xC9+", "[A-Z]", "a{0}", "b{2,}", "(a*)*", "^", "$", "\\b", "a*?",
+    "a++", "(?=a)", "(a)\\1", "[]-]", "x{2}?", "\\t", "(|a)", "\\}", "}", "]", "\\<", "\\>", "\\`"};
 
 class Generator {
 public:
@@ -170,6 +175,9 @@ TEST_F(FastPassTest, EndsWhereThePlainPassGivesUp) {
         {"*a*a*a*b", false, {}},
         {".*a.*a.*a.*b", true, {}},
         {"*a*b", false, {"ab", "ab", "ab", "aaab", "aab"}},
+        {"(a+)+b", true, {"ab", "ab", "ab"}},
+        {"(a|aa)*c", true, {}},
+        {"[ab]*b", true, {"ab", "ab", "ab", "aaab", "aab"}},
     };
     for (const auto& [pattern, isRegExp, expected] : table) {
         ExpectSamePasses(index, pattern, isRegExp, false);
