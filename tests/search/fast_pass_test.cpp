@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <memory>
 #include <random>
 #include <string>
 #include <tuple>
@@ -98,7 +100,7 @@ private:
 
 // A root, the names as files below it, and records whose name blocks are unusual but loadable:
 // text after the name's NUL, a block of an odd length.
-void LoadIndex(IndexData& index, const Names& names) {
+IndexImage MakeImage(const Names& names) {
     IndexImage image;
     image.Header(1, 0, static_cast<int32_t>(names.size() + 4)).Record(1, 0xFFFFFFFF, "/data");
     image.Fixed(0, 12, 0).Raw(std::string("ab\0report.t\0", 12));
@@ -106,7 +108,41 @@ void LoadIndex(IndexData& index, const Names& names) {
     image.Fixed(0, 255, 0).Raw(std::string(250, 'b') + std::string(".txt\0", 5));
     for (const std::string& name : names)
         image.Record(0, 0, name, 10);
-    ASSERT_TRUE(image.LoadInto(index));
+    return image;
+}
+
+void LoadIndex(IndexData& index, const Names& names) {
+    ASSERT_TRUE(MakeImage(names).LoadInto(index));
+}
+
+std::vector<std::string> ResultPaths(const IndexData& index) {
+    std::vector<std::string> paths;
+    for (int32_t i = 0; i < index.GetResultCount(); ++i)
+        paths.push_back(index.GetResultPath(i).GetCString());
+    return paths;
+}
+
+// The pass as the command-line finder runs it: over a scan of the image, window by window.
+std::pair<bool, std::vector<std::string>> SearchWindows(const IndexImage& image,
+                                                        const std::string& pattern, bool isRegExp,
+                                                        bool autoWildcards) {
+    IndexData index;
+    const std::string& bytes = image.GetBytes();
+    auto buffer = std::make_unique<char[]>(bytes.size());
+    std::memcpy(buffer.get(), bytes.data(), bytes.size());
+    EXPECT_TRUE(index.ScanImage(std::move(buffer), static_cast<uint32_t>(bytes.size())));
+    IndexSearcher searcher;
+    const bool started = searcher.Start(&index, pattern.c_str(), isRegExp, autoWildcards);
+    loam::ClearErrors();
+    bool searching = started;
+    while (index.GetRecordCount() > 0) {
+        if (searching) {
+            searcher.RunToEnd(nullptr);
+            searching = searcher.Rewind();
+        }
+        EXPECT_TRUE(index.TakeNextWindow());
+    }
+    return {started, ResultPaths(index)};
 }
 
 // Whether the pass started, and what it found.
@@ -186,6 +222,35 @@ TEST_F(FastPassTest, EndsWhereThePlainPassGivesUp) {
              Search(index, IndexSearcher::Pass::Fast, pattern, isRegExp, false).second)
             found.push_back(record->GetName());
         EXPECT_EQ(found, expected) << pattern;
+    }
+}
+
+// The finder's pass goes window by window over a scan; it finds what the plain pass finds over
+// the whole loaded index, in the same order, across windows and the pieces the file is read in.
+TEST_F(FastPassTest, FindsWhatThePlainPassFindsWindowByWindow) {
+    Names names;
+    for (int i = 0; i < 60000; ++i)
+        names.push_back(generator.Name());
+    const IndexImage image = MakeImage(names);
+    ASSERT_GT(image.GetBytes().size(), size_t{1} << 21);
+    ASSERT_TRUE(image.LoadInto(index));
+    const std::tuple<std::string, bool, bool> table[] = {
+        {"report", false, true},     {"*.txt", false, true},          {"a?b", false, false},
+        {"*", false, false},         {".*\\.(txt|jpg)", true, false}, {"[a-z]+[0-9]+", true, false},
+        {"(a|b){2}.*", true, false}, {".*(\\w)\\1.*", true, false},   {"x", true, false},
+    };
+    for (const auto& [pattern, isRegExp, autoWildcards] : table) {
+        const auto plain =
+            Search(index, IndexSearcher::Pass::Plain, pattern, isRegExp, autoWildcards);
+        const auto windows = SearchWindows(image, pattern, isRegExp, autoWildcards);
+        EXPECT_EQ(windows.first, plain.first) << pattern;
+        EXPECT_EQ(windows.second, ResultPaths(index)) << pattern;
+    }
+    for (int i = 0; i < 10; ++i) {
+        const std::string expression = generator.Expression();
+        const auto plain = Search(index, IndexSearcher::Pass::Plain, expression, true, false);
+        EXPECT_EQ(SearchWindows(image, expression, true, false).second, ResultPaths(index))
+            << expression;
     }
 }
 
