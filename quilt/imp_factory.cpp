@@ -1,9 +1,11 @@
 #include "quilt/imp_factory.h"
 
 #include "quilt/offscreen/offscreen_application_imp.h"
+#include "quilt/offscreen/offscreen_browse_dialog_imp.h"
 #include "quilt/offscreen/offscreen_control_imps.h"
 #include "quilt/offscreen/offscreen_dialog_imp.h"
 #include "quilt/offscreen/offscreen_gc_imp.h"
+#include "quilt/offscreen/offscreen_list_imps.h"
 #include "quilt/offscreen/offscreen_window_imp.h"
 
 #include <cstdlib>
@@ -65,6 +67,18 @@ std::unique_ptr<SliderImp> ImpFactory::CreateSliderImp() {
 
 std::unique_ptr<ProgressBarImp> ImpFactory::CreateProgressBarImp() {
     return std::make_unique<Offscreen_ProgressBarImp>();
+}
+
+std::unique_ptr<ListBoxImp> ImpFactory::CreateListBoxImp() {
+    return std::make_unique<Offscreen_ListBoxImp>();
+}
+
+std::unique_ptr<DropDownListImp> ImpFactory::CreateDropDownListImp() {
+    return std::make_unique<Offscreen_DropDownListImp>();
+}
+
+std::unique_ptr<BrowseDialogImp> ImpFactory::CreateBrowseDialogImp() {
+    return std::make_unique<Offscreen_BrowseDialogImp>();
 }
 
 std::unique_ptr<GCImp> ImpFactory::CreateGCImp() {

@@ -3,6 +3,7 @@
 #include "quilt/dialog_imp.h"
 #include "quilt/dialog_template.h"
 #include "quilt/keys.h"
+#include "quilt/offscreen/offscreen_list_controls.h"
 
 #include <algorithm>
 #include <strings.h>
@@ -216,6 +217,8 @@ constexpr NativeClass nativeClasses[] = {
     {ControlClassEdit, Make<OffscreenEdit>},
     {ControlClassTrackBar, Make<OffscreenTrackBar>},
     {ControlClassProgressBar, Make<OffscreenProgressBar>},
+    {ControlClassListView, Make<OffscreenListView>},
+    {ControlClassComboBox, Make<OffscreenComboBox>},
 };
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "quilt/application.h"
 #include "quilt/dialog.h"
 #include "quilt/keys.h"
+#include "quilt/offscreen/offscreen_browse_dialog_imp.h"
 #include "quilt/offscreen/offscreen_controls.h"
 #include "quilt/offscreen/offscreen_dialog_imp.h"
 #include "quilt/offscreen/offscreen_window_imp.h"
@@ -37,6 +38,7 @@ OffscreenDriver::OffscreenDriver(uint32_t startTime)
 }
 
 OffscreenDriver::~OffscreenDriver() {
+    Offscreen_BrowseDialogImp::ForgetAnswers();
     desktop.SetModalHook({});
     desktop.Reset();
     SetClock(nullptr);
