@@ -66,7 +66,7 @@ loam::String OffscreenDriver::GetCellText(Dialog& dialog, int32_t id, int32_t ro
     if (list == nullptr || !list->IsRow(row)) {
         return loam::String();
     }
-    return list->rows[static_cast<size_t>(row)]->GetCell(column);
+    return list->GetRow(row).GetCell(column);
 }
 
 int32_t OffscreenDriver::GetSelectedRow(Dialog& dialog, int32_t id) const {

@@ -138,6 +138,115 @@ const loam::String& OffscreenListRow::GetCell(int32_t column) const {
     return cells[static_cast<size_t>(column)];
 }
 
+OffscreenListRow& OffscreenRowList::At(int32_t index) const {
+    if (flatValid) {
+        return *flat[static_cast<size_t>(index)];
+    }
+    auto [block, offset] = Locate(index);
+    return *blocks[block][offset];
+}
+
+std::pair<size_t, size_t> OffscreenRowList::Locate(int32_t index) const {
+    auto rest = static_cast<size_t>(index);
+    for (size_t block = 0; block < blocks.size(); ++block) {
+        if (rest < blocks[block].size() || block + 1 == blocks.size()) {
+            return {block, rest};
+        }
+        rest -= blocks[block].size();
+    }
+    return {0, 0};
+}
+
+int32_t OffscreenRowList::FindSortedPlace(const loam::String& text) const {
+    auto notAbove = [&text](const std::unique_ptr<OffscreenListRow>& row) {
+        return CompareFolded(text, row->GetCell(0)) >= 0;
+    };
+    auto block =
+        std::partition_point(blocks.begin(), blocks.end(),
+                             [&notAbove](const Block& entry) { return notAbove(entry.back()); });
+    if (block == blocks.end()) {
+        return count;
+    }
+    int32_t before = 0;
+    for (auto earlier = blocks.begin(); earlier != block; ++earlier) {
+        before += static_cast<int32_t>(earlier->size());
+    }
+    auto place = std::partition_point(block->begin(), block->end(), notAbove);
+    return before + static_cast<int32_t>(place - block->begin());
+}
+
+void OffscreenRowList::Insert(int32_t index, std::unique_ptr<OffscreenListRow> row) {
+    flatValid = false;
+    ++count;
+    if (blocks.empty()) {
+        blocks.emplace_back();
+    }
+    auto [block, offset] = Locate(index);
+    Block& target = blocks[block];
+    target.insert(target.begin() + static_cast<std::ptrdiff_t>(offset), std::move(row));
+    if (target.size() < 2 * BlockSize) {
+        return;
+    }
+    Block upper(std::make_move_iterator(target.begin() + BlockSize),
+                std::make_move_iterator(target.end()));
+    target.resize(BlockSize);
+    blocks.insert(blocks.begin() + static_cast<std::ptrdiff_t>(block) + 1, std::move(upper));
+}
+
+void OffscreenRowList::Erase(int32_t index) {
+    flatValid = false;
+    auto [block, offset] = Locate(index);
+    Block& target = blocks[block];
+    target.erase(target.begin() + static_cast<std::ptrdiff_t>(offset));
+    if (target.empty()) {
+        blocks.erase(blocks.begin() + static_cast<std::ptrdiff_t>(block));
+    }
+    --count;
+}
+
+void OffscreenRowList::Clear() {
+    blocks.clear();
+    flat.clear();
+    flatValid = false;
+    count = 0;
+}
+
+void OffscreenRowList::Reorder(const std::vector<int32_t>& order) {
+    std::vector<std::unique_ptr<OffscreenListRow>> all;
+    all.reserve(static_cast<size_t>(count));
+    for (Block& block : blocks) {
+        for (auto& row : block) {
+            all.push_back(std::move(row));
+        }
+    }
+    Clear();
+    Block current;
+    for (int32_t index : order) {
+        current.push_back(std::move(all[static_cast<size_t>(index)]));
+        if (current.size() == BlockSize) {
+            blocks.push_back(std::move(current));
+            current.clear();
+        }
+    }
+    if (!current.empty()) {
+        blocks.push_back(std::move(current));
+    }
+    count = static_cast<int32_t>(order.size());
+}
+
+void OffscreenRowList::Index() const {
+    if (flatValid) {
+        return;
+    }
+    flat.clear();
+    for (const Block& block : blocks) {
+        for (const auto& row : block) {
+            flat.push_back(row.get());
+        }
+    }
+    flatValid = true;
+}
+
 void OffscreenListView::DefaultHandling(const OffscreenMessage& message) {
     if (!RouteNative(*this, listRoutes, message)) {
         OffscreenWindow::DefaultHandling(message);
@@ -152,67 +261,65 @@ int32_t OffscreenListView::Insert(int32_t at, const loam::String& text, uint32_t
     auto row = std::make_unique<OffscreenListRow>();
     row->cells.push_back(text);
     row->data = data;
-    auto place = rows.end();
+    int32_t place = GetCount();
     if ((style & StyleSortAscending) != 0) {
-        place = std::upper_bound(rows.begin(), rows.end(), text,
-                                 [](const loam::String& value, const auto& entry) {
-                                     return CompareFolded(value, entry->GetCell(0)) < 0;
-                                 });
+        place = rows.FindSortedPlace(text);
     } else if (at >= 0 && at < GetCount()) {
-        place = rows.begin() + at;
+        place = at;
     }
-    auto inserted = rows.insert(place, std::move(row));
+    rows.Insert(place, std::move(row));
     needsPaint = true;
-    return static_cast<int32_t>(inserted - rows.begin());
+    return place;
 }
 
 bool OffscreenListView::Remove(int32_t row) {
     if (!IsRow(row)) {
         return false;
     }
-    rows.erase(rows.begin() + row);
+    rows.Erase(row);
     needsPaint = true;
     return true;
 }
 
 void OffscreenListView::Clear() {
-    rows.clear();
+    rows.Clear();
     scrollPos[1] = 0;
     needsPaint = true;
 }
 
 void OffscreenListView::Select(int32_t row) {
-    if (row == GetSelected() || (row != -1 && !IsRow(row))) {
+    int32_t selected = GetSelected();
+    if (row == selected || (row != -1 && !IsRow(row))) {
         return;
     }
-    for (auto& entry : rows) {
-        entry->selected = false;
+    if (selected != -1) {
+        GetRow(selected).selected = false;
     }
     if (row != -1) {
-        rows[static_cast<size_t>(row)]->selected = true;
+        GetRow(row).selected = true;
     }
     needsPaint = true;
     NotifyParent(*this, NotifyListSelectionChange);
 }
 
 int32_t OffscreenListView::GetSelected() const {
-    auto found =
-        std::find_if(rows.begin(), rows.end(), [](const auto& entry) { return entry->selected; });
-    return found != rows.end() ? static_cast<int32_t>(found - rows.begin()) : -1;
+    rows.Index();
+    for (int32_t row = 0; row < GetCount(); ++row) {
+        if (GetRow(row).selected) {
+            return row;
+        }
+    }
+    return -1;
 }
 
 // The rows stay where they are while the comparison reads them, and move once at the end.
 void OffscreenListView::Sort(const std::function<int32_t(int32_t, int32_t)>& compare) {
-    std::vector<int32_t> order(rows.size());
+    rows.Index();
+    std::vector<int32_t> order(static_cast<size_t>(GetCount()));
     std::iota(order.begin(), order.end(), 0);
     std::stable_sort(order.begin(), order.end(),
                      [&compare](int32_t a, int32_t b) { return compare(a, b) < 0; });
-    std::vector<std::unique_ptr<OffscreenListRow>> sorted;
-    sorted.reserve(rows.size());
-    for (int32_t index : order) {
-        sorted.push_back(std::move(rows[static_cast<size_t>(index)]));
-    }
-    rows.swap(sorted);
+    rows.Reorder(order);
     needsPaint = true;
 }
 
@@ -263,8 +370,9 @@ Point OffscreenListView::GetHeaderPoint(int32_t column) const {
 
 int32_t OffscreenListView::GetContentWidth(int32_t column) const {
     int32_t longest = 0;
-    for (const auto& row : rows) {
-        longest = std::max(longest, row->GetCell(column).GetLength());
+    rows.Index();
+    for (int32_t row = 0; row < GetCount(); ++row) {
+        longest = std::max(longest, GetRow(row).GetCell(column).GetLength());
     }
     return longest * CharacterWidth + CellMargin;
 }

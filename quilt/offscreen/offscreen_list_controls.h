@@ -36,6 +36,35 @@ struct OffscreenListRow {
     const loam::String& GetCell(int32_t column) const;
 };
 
+// The rows of a list view in display order, in blocks, so that a row inserted among tens of
+// thousands moves no more than its block.
+class OffscreenRowList {
+public:
+    int32_t GetCount() const { return count; }
+    OffscreenListRow& At(int32_t index) const;
+    // The first index whose row's column-0 text is above `text`, without regard to case.
+    int32_t FindSortedPlace(const loam::String& text) const;
+    void Insert(int32_t index, std::unique_ptr<OffscreenListRow> row);
+    void Erase(int32_t index);
+    void Clear();
+    // Row `order[i]` becomes row i.
+    void Reorder(const std::vector<int32_t>& order);
+    // Makes access by index direct until the next insertion or removal.
+    void Index() const;
+
+private:
+    static constexpr size_t BlockSize = 256;
+    using Block = std::vector<std::unique_ptr<OffscreenListRow>>;
+
+    // The block and the place in it of an index; an index at the count is the end of the last.
+    std::pair<size_t, size_t> Locate(int32_t index) const;
+
+    std::vector<Block> blocks;
+    int32_t count = 0;
+    mutable std::vector<OffscreenListRow*> flat;
+    mutable bool flatValid = false;
+};
+
 struct OffscreenListColumn {
     loam::String name;
     int32_t width = 0;
@@ -58,8 +87,9 @@ struct OffscreenListView : OffscreenWindow {
         return DialogCodeWantArrows;
     }
 
-    int32_t GetCount() const { return static_cast<int32_t>(rows.size()); }
+    int32_t GetCount() const { return rows.GetCount(); }
     bool IsRow(int32_t row) const { return row >= 0 && row < GetCount(); }
+    OffscreenListRow& GetRow(int32_t row) const { return rows.At(row); }
     bool ShowsHeader() const;
     // Where the sort puts it in a sorted view, else at `at`, or at the end for -1; the row it
     // went to.
@@ -79,7 +109,7 @@ struct OffscreenListView : OffscreenWindow {
     Point GetHeaderPoint(int32_t column) const;
     int32_t GetContentWidth(int32_t column) const;
 
-    std::vector<std::unique_ptr<OffscreenListRow>> rows;
+    OffscreenRowList rows;
     std::vector<OffscreenListColumn> columns;
     bool headerHidden = false;
     bool checkBoxes = false;

@@ -39,8 +39,7 @@ OffscreenListView* Offscreen_ListBoxImp::GetView() const {
 
 OffscreenListRow* Offscreen_ListBoxImp::GetRow(int32_t row) const {
     OffscreenListView* view = GetView();
-    return view != nullptr && view->IsRow(row) ? view->rows[static_cast<size_t>(row)].get()
-                                               : nullptr;
+    return view != nullptr && view->IsRow(row) ? &view->GetRow(row) : nullptr;
 }
 
 void Offscreen_ListBoxImp::Clear() {
@@ -143,6 +142,9 @@ bool Offscreen_ListBoxImp::GetSelection(int32_t& row) {
 }
 
 int32_t Offscreen_ListBoxImp::FindItem(const loam::String& text) {
+    if (OffscreenListView* view = GetView()) {
+        view->rows.Index();
+    }
     for (int32_t row = 0; row < GetCount(); ++row) {
         if (GetRow(row)->GetCell(0) == text) {
             return row;
