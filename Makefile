@@ -1,6 +1,8 @@
 # The two commands of the README are `make run` and `make test`; each sets up what it needs.
-BUILD_PACKAGES := g++ cmake make pkg-config libboost-regex-dev libglib2.0-dev
-TEST_PACKAGES := $(BUILD_PACKAGES) googletest libgtest-dev clang libclang-rt-14-dev
+BUILD_PACKAGES := g++ cmake make pkg-config libboost-regex-dev libglib2.0-dev librsvg2-bin
+TEST_PACKAGES := $(BUILD_PACKAGES) googletest libgtest-dev clang libclang-rt-14-dev \
+                 desktop-file-utils appstream file
+PACKAGE_PACKAGES := $(BUILD_PACKAGES) dpkg-dev file
 BENCH_PACKAGES := $(BUILD_PACKAGES) libbenchmark-dev hyperfine plocate findutils
 
 RELEASE_DIR := build/release
@@ -9,8 +11,9 @@ FUZZ_DIR := build/fuzz
 BENCH_DIR := build/bench
 JOBS := $(shell nproc)
 FUZZ_SECONDS ?= 30
+PREFIX ?= /usr/local
 
-.PHONY: run build test fuzz bench deps-build deps-test deps-bench format
+.PHONY: run build test fuzz bench install package deps-build deps-test deps-bench deps-package format
 
 run: build
 	@./scripts/run-sorvanta $(RELEASE_DIR)
@@ -32,6 +35,14 @@ bench: deps-bench
 	@cmake -S . -B $(BENCH_DIR) -DCMAKE_BUILD_TYPE=Release -DSORVANTA_BENCH=ON > /dev/null
 	@cmake --build $(BENCH_DIR) -j $(JOBS)
 
+# Only the copy into the prefix runs as root (through sudo where needed), never the build.
+install: build
+	@./scripts/install-sorvanta $(RELEASE_DIR) $(PREFIX)
+
+package: deps-package build
+	@cd $(RELEASE_DIR) && cpack -G DEB > /dev/null
+	@ls $(RELEASE_DIR)/sorvanta_*.deb
+
 deps-build:
 	@./scripts/ensure-packages $(BUILD_PACKAGES)
 
@@ -40,6 +51,9 @@ deps-test:
 
 deps-bench:
 	@./scripts/ensure-packages $(BENCH_PACKAGES)
+
+deps-package:
+	@./scripts/ensure-packages $(PACKAGE_PACKAGES)
 
 format:
 	@git ls-files '*.cpp' '*.h' | xargs clang-format -i
