@@ -20,20 +20,24 @@ enum OutcomeString : uint16_t {
 
 } // namespace
 
-OutcomeRows FormatSearchOutcome(const SearchFacts& facts, loam::String& line) {
+OutcomeRows GetOutcomeRows(int32_t count, int32_t limit) {
+    return count == 0 || count > limit ? OutcomeRows::Clear : OutcomeRows::Fill;
+}
+
+void FormatSearchOutcome(const SearchFacts& facts, loam::String& line) {
     const char* pattern = facts.pattern.GetCString();
     if (facts.count == 0) {
         loam::FormatResource(loam::StringResource(NoResultsString), line, pattern);
-        return OutcomeRows::Clear;
+        return;
     }
     if (facts.count > facts.limit) {
         loam::FormatResource(loam::StringResource(TooManyToShowString), line, facts.limit);
-        return OutcomeRows::Clear;
+        return;
     }
     const double seconds = facts.seconds;
     if (facts.count == 1) {
         loam::FormatResource(loam::StringResource(OneResultString), line, pattern, seconds);
-        return OutcomeRows::Fill;
+        return;
     }
     loam::String count;
     loam::String total;
@@ -41,7 +45,6 @@ OutcomeRows FormatSearchOutcome(const SearchFacts& facts, loam::String& line) {
     loam::FormatByteSize(total, static_cast<int64_t>(facts.totalSize));
     loam::FormatResource(loam::StringResource(ResultsFoundString), line, count.GetCString(),
                          pattern, seconds, total.GetCString());
-    return OutcomeRows::Fill;
 }
 
 // The difference wraps as the clock does; it is kept as a float, as it is printed.

@@ -16,9 +16,11 @@ struct SearchFacts {
     uint64_t totalSize = 0; // the sum of the results' sizes, wider than any one of them
 };
 
-// The one line that tells the outcome, and whether the list shows the results: none found,
-// too many to show, or one or more shown with the time and their total size.
-OutcomeRows FormatSearchOutcome(const SearchFacts& facts, loam::String& line);
+// Whether the list shows the results: all of them or none, never a part.
+OutcomeRows GetOutcomeRows(int32_t count, int32_t limit);
+// The one line that tells the outcome: none found, too many to show, or one or more shown with
+// the time and their total size.
+void FormatSearchOutcome(const SearchFacts& facts, loam::String& line);
 
 // The time between two ticks of the clock, as the outcome line prints it.
 float GetElapsedSeconds(uint32_t startTick, uint32_t endTick);
