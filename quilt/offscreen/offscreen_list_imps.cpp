@@ -33,10 +33,6 @@ const Offscreen_ListBoxImp::Route Offscreen_ListBoxImp::routes[] = {
     {NotifyListColumnClick, &Offscreen_ListBoxImp::OnColumnClick},
 };
 
-OffscreenListView* Offscreen_ListBoxImp::GetView() const {
-    return dynamic_cast<OffscreenListView*>(GetNative());
-}
-
 OffscreenListRow* Offscreen_ListBoxImp::GetRow(int32_t row) const {
     OffscreenListView* view = GetView();
     return view != nullptr && view->IsRow(row) ? &view->GetRow(row) : nullptr;
@@ -284,11 +280,21 @@ bool Offscreen_ListBoxImp::Attach(OffscreenWindow* window) {
     if (!IsOfClass(window, ControlClassListView) || !Offscreen_WindowImp::Attach(window)) {
         return false;
     }
-    OffscreenListView* view = GetView();
-    if ((view->style & StyleReportView) != 0 && view->columns.empty()) {
-        view->columns.push_back(OffscreenListColumn{placeholderName, PlaceholderWidth});
+    boundView = static_cast<OffscreenListView*>(window);
+    if ((boundView->style & StyleReportView) != 0 && boundView->columns.empty()) {
+        boundView->columns.push_back(OffscreenListColumn{placeholderName, PlaceholderWidth});
     }
     return true;
+}
+
+void Offscreen_ListBoxImp::Unbind() {
+    boundView = nullptr;
+    Offscreen_WindowImp::Unbind();
+}
+
+void Offscreen_ListBoxImp::OnNativeWindowGone() {
+    boundView = nullptr;
+    Offscreen_WindowImp::OnNativeWindowGone();
 }
 
 NotificationAnswer

@@ -56,11 +56,14 @@ public:
     bool IsItemChecked(int32_t row) override;
 
     bool Attach(OffscreenWindow* window) override;
+    void Unbind() override;
+    void OnNativeWindowGone() override;
     NotificationAnswer TranslateNotification(const NativeNotification& notification,
                                              NotificationTranslation& out) override;
 
 private:
-    OffscreenListView* GetView() const;
+    // A sort reads rows by the hundred thousand: the bound view is kept at hand.
+    OffscreenListView* GetView() const { return boundView; }
     OffscreenListRow* GetRow(int32_t row) const;
     bool Insert(int32_t at, const loam::String& text, int32_t* row, uint32_t data);
     NotificationAnswer OnSelectionChange(const NativeNotification&, NotificationTranslation& out);
@@ -77,6 +80,7 @@ private:
     };
     static const Route routes[];
 
+    OffscreenListView* boundView = nullptr;
     int32_t sortColumn = 0;
     bool hasColours = false;
 };
