@@ -5,7 +5,7 @@
 #include "bench/index_generator.h"
 #include "index/index_data.h"
 #include "quilt/dialog.h"
-#include "quilt/offscreen/offscreen_driver.h"
+#include "quilt/offscreen/testing/offscreen_driver.h"
 #include "search/index_searcher.h"
 #include "search/search_results_list.h"
 

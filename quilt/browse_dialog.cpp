@@ -34,7 +34,18 @@ BrowseDialog::~BrowseDialog() = default;
 
 bool BrowseDialog::Run(const loam::String* caption, const loam::String* statusPrefix,
                        loam::FileSpec& spec) {
-    return imp->Run(caption, statusPrefix, spec);
+    loam::String chosen;
+    if (!imp->Run(caption, statusPrefix, spec, chosen) || chosen.IsEmpty()) {
+        return false;
+    }
+    loam::FileSpec result(chosen);
+    if ((flags & BrowseKeepLeaf) != 0) {
+        loam::String leaf;
+        spec.GetLeafName(leaf);
+        result.Append(leaf);
+    }
+    spec = result;
+    return true;
 }
 
 } // namespace quilt

@@ -18,15 +18,18 @@ enum BrowseFlag : uint32_t {
     BrowsePreview = 8,
 };
 
-// The platform's folder chooser.
+// The platform's folder chooser: a modal dialog over `parent` (which may be null) that starts
+// at `startPath`, shows the caption above the tree of folders and a status line below it. While
+// the user selects folders the status line shows GetBrowseStatusText for the selection; the
+// flags are BrowseFlag bits. The leaf that BrowseKeepLeaf keeps is added by the portable side.
 class BrowseDialogImp {
 public:
     virtual ~BrowseDialogImp() = default;
     virtual void Init(uint32_t flags, Window* parent) = 0;
-    // True when the user chose a folder, which `spec` then holds; `spec` keeps its value on a
-    // cancel. Either text may be null.
+    // Blocks until the user closes the chooser; true when they chose a folder, whose path
+    // `chosen` then holds. Either text may be null.
     virtual bool Run(const loam::String* caption, const loam::String* statusPrefix,
-                     loam::FileSpec& spec) = 0;
+                     const loam::FileSpec& startPath, loam::String& chosen) = 0;
 };
 
 // What the chooser's status line says while `selected` is selected: the prefix, and with

@@ -8,89 +8,174 @@
 #include "quilt/offscreen/offscreen_list_imps.h"
 #include "quilt/offscreen/offscreen_window_imp.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
 namespace quilt {
 
+// What one backend makes, and whether it can run here.
+struct BackendImps {
+    Backend backend;
+    const char* name; // its value of QUILT_PLATFORM
+    bool (*canOpenDisplay)();
+    std::unique_ptr<ApplicationImp> (*application)();
+    std::unique_ptr<WindowImp> (*window)();
+    std::unique_ptr<DialogImp> (*dialog)();
+    std::unique_ptr<EditBoxImp> (*editBox)();
+    std::unique_ptr<CheckBoxImp> (*checkBox)();
+    std::unique_ptr<ButtonImp> (*button)();
+    std::unique_ptr<SliderImp> (*slider)();
+    std::unique_ptr<ProgressBarImp> (*progressBar)();
+    std::unique_ptr<ListBoxImp> (*listBox)();
+    std::unique_ptr<DropDownListImp> (*dropDownList)();
+    std::unique_ptr<BrowseDialogImp> (*browseDialog)();
+    std::unique_ptr<GCImp> (*gc)();
+    std::unique_ptr<RedrawGCImp> (*redrawGC)();
+    std::unique_ptr<FontImp> (*font)();
+};
+
 namespace {
 
-// The desktop backend is not part of this build, so every request falls back to offscreen.
+template <class Abstract, class Platform> std::unique_ptr<Abstract> Make() {
+    return std::make_unique<Platform>();
+}
+
+bool NeedsNoDisplay() {
+    return true;
+}
+
+constexpr BackendImps headlessImps{
+    Backend::Headless,
+    "offscreen",
+    NeedsNoDisplay,
+    Make<ApplicationImp, Offscreen_ApplicationImp>,
+    Make<WindowImp, Offscreen_WindowImp>,
+    Make<DialogImp, Offscreen_DialogImp>,
+    Make<EditBoxImp, Offscreen_EditBoxImp>,
+    Make<CheckBoxImp, Offscreen_CheckBoxImp>,
+    Make<ButtonImp, Offscreen_ButtonImp>,
+    Make<SliderImp, Offscreen_SliderImp>,
+    Make<ProgressBarImp, Offscreen_ProgressBarImp>,
+    Make<ListBoxImp, Offscreen_ListBoxImp>,
+    Make<DropDownListImp, Offscreen_DropDownListImp>,
+    Make<BrowseDialogImp, Offscreen_BrowseDialogImp>,
+    Make<GCImp, Offscreen_GCImp>,
+    Make<RedrawGCImp, Offscreen_RedrawGCImp>,
+    Make<FontImp, Offscreen_FontImp>,
+};
+
+// The backends of this build. The desktop backend is not among them yet.
+const BackendImps* const builtBackends[] = {&headlessImps};
+
+const BackendImps* FindBuilt(Backend backend) {
+    for (const BackendImps* imps : builtBackends) {
+        if (imps->backend == backend) {
+            return imps;
+        }
+    }
+    return nullptr;
+}
+
+const BackendImps* FindBuilt(const char* name) {
+    for (const BackendImps* imps : builtBackends) {
+        if (std::strcmp(imps->name, name) == 0) {
+            return imps;
+        }
+    }
+    return nullptr;
+}
+
 bool IsDesktopAvailable() {
-    return false;
+    const BackendImps* desktop = FindBuilt(Backend::Gtk);
+    return desktop != nullptr && desktop->canOpenDisplay();
 }
 
 } // namespace
 
 Backend ChooseBackend(const char* requested, bool desktopAvailable) {
     if (requested != nullptr && std::strcmp(requested, "offscreen") == 0) {
-        return Backend::Offscreen;
+        return Backend::Headless;
     }
-    return desktopAvailable ? Backend::Gtk : Backend::Offscreen;
+    return desktopAvailable ? Backend::Gtk : Backend::Headless;
+}
+
+const BackendImps& ImpFactory::GetImps() {
+    if (imps == nullptr) {
+        imps = FindBuilt(ChooseBackend(std::getenv("QUILT_PLATFORM"), IsDesktopAvailable()));
+    }
+    return *imps;
 }
 
 Backend ImpFactory::GetBackend() {
-    if (!chosen) {
-        backend = ChooseBackend(std::getenv("QUILT_PLATFORM"), IsDesktopAvailable());
-        chosen = true;
+    return GetImps().backend;
+}
+
+bool ImpFactory::CanRun() {
+    const char* requested = std::getenv("QUILT_PLATFORM");
+    if (requested == nullptr || std::strcmp(requested, "gtk") != 0 || FindBuilt(requested)) {
+        return true;
     }
-    return backend;
+    std::fputs("quilt: QUILT_PLATFORM=gtk asks for the desktop backend, which this build does not "
+               "have; unset it, or set QUILT_PLATFORM=offscreen\n",
+               stderr);
+    return false;
 }
 
 std::unique_ptr<ApplicationImp> ImpFactory::CreateApplicationImp() {
-    return std::make_unique<Offscreen_ApplicationImp>();
+    return GetImps().application();
 }
 
 std::unique_ptr<WindowImp> ImpFactory::CreateWindowImp() {
-    return std::make_unique<Offscreen_WindowImp>();
+    return GetImps().window();
 }
 
 std::unique_ptr<DialogImp> ImpFactory::CreateDialogImp() {
-    return std::make_unique<Offscreen_DialogImp>();
+    return GetImps().dialog();
 }
 
 std::unique_ptr<EditBoxImp> ImpFactory::CreateEditBoxImp() {
-    return std::make_unique<Offscreen_EditBoxImp>();
+    return GetImps().editBox();
 }
 
 std::unique_ptr<CheckBoxImp> ImpFactory::CreateCheckBoxImp() {
-    return std::make_unique<Offscreen_CheckBoxImp>();
+    return GetImps().checkBox();
 }
 
 std::unique_ptr<ButtonImp> ImpFactory::CreateButtonImp() {
-    return std::make_unique<Offscreen_ButtonImp>();
+    return GetImps().button();
 }
 
 std::unique_ptr<SliderImp> ImpFactory::CreateSliderImp() {
-    return std::make_unique<Offscreen_SliderImp>();
+    return GetImps().slider();
 }
 
 std::unique_ptr<ProgressBarImp> ImpFactory::CreateProgressBarImp() {
-    return std::make_unique<Offscreen_ProgressBarImp>();
+    return GetImps().progressBar();
 }
 
 std::unique_ptr<ListBoxImp> ImpFactory::CreateListBoxImp() {
-    return std::make_unique<Offscreen_ListBoxImp>();
+    return GetImps().listBox();
 }
 
 std::unique_ptr<DropDownListImp> ImpFactory::CreateDropDownListImp() {
-    return std::make_unique<Offscreen_DropDownListImp>();
+    return GetImps().dropDownList();
 }
 
 std::unique_ptr<BrowseDialogImp> ImpFactory::CreateBrowseDialogImp() {
-    return std::make_unique<Offscreen_BrowseDialogImp>();
+    return GetImps().browseDialog();
 }
 
 std::unique_ptr<GCImp> ImpFactory::CreateGCImp() {
-    return std::make_unique<Offscreen_GCImp>();
+    return GetImps().gc();
 }
 
 std::unique_ptr<RedrawGCImp> ImpFactory::CreateRedrawGCImp() {
-    return std::make_unique<Offscreen_RedrawGCImp>();
+    return GetImps().redrawGC();
 }
 
 std::unique_ptr<FontImp> ImpFactory::CreateFontImp() {
-    return std::make_unique<Offscreen_FontImp>();
+    return GetImps().font();
 }
 
 ImpFactory& GetImpFactory() {

@@ -20,13 +20,15 @@ class SliderImp;
 class WindowImp;
 
 enum class Backend {
-    Offscreen, // no display: windows live in memory, for headless runs and tests
-    Gtk,       // the desktop
+    Headless, // "offscreen": no display, windows live in memory, for headless runs and tests
+    Gtk,      // "gtk": the desktop
 };
 
 // `requested` is the value of QUILT_PLATFORM, null when unset; `desktopAvailable` says whether
 // the desktop backend is built and can open a display.
 Backend ChooseBackend(const char* requested, bool desktopAvailable);
+
+struct BackendImps;
 
 // The one place that names a platform's Imp classes. Each operation gives up the new object to
 // the caller.
@@ -34,6 +36,9 @@ class ImpFactory {
 public:
     // Chosen on first use, for the life of the process.
     Backend GetBackend();
+    // False, with one line on standard error, when QUILT_PLATFORM asks for a backend that this
+    // build does not have; the process then has nothing to show its windows on.
+    bool CanRun();
 
     std::unique_ptr<ApplicationImp> CreateApplicationImp();
     std::unique_ptr<WindowImp> CreateWindowImp();
@@ -51,8 +56,9 @@ public:
     std::unique_ptr<FontImp> CreateFontImp();
 
 private:
-    bool chosen = false;
-    Backend backend = Backend::Offscreen;
+    const BackendImps& GetImps();
+
+    const BackendImps* imps = nullptr;
 };
 
 ImpFactory& GetImpFactory();

@@ -5,15 +5,29 @@
 #include "quilt/list_control.h"
 
 #include <cstdint>
+#include <functional>
 
 namespace quilt {
 
 // The platform side of a list box: a plain list of rows, or a list of rows in columns under a
-// header, which the native control that it is bound to decides. A click on a column's header
-// sorts the rows through the owner's CompareItems: the same column again flips the direction,
-// another column starts ascending.
+// header, which the native control that it is bound to decides. The backend reports
+// SelectionChanged, ItemActivated (detail: the row) and ColumnClicked (detail: the column); this
+// class turns them into MsgSelectionChange and MsgItemActivate, and sorts on a column click
+// through the owner's CompareItems: the same column again flips the direction, another column
+// starts ascending.
 class ListBoxImp : public ListControlImp {
 public:
+    // Stops placing new rows by the native sorted style and sorts the rows by the last column
+    // clicked, in the owner's direction.
+    void EnableSorting() override;
+    NotificationAnswer TranslateNotification(const NativeNotification& notification,
+                                             NotificationTranslation& out) override;
+
+    // Puts the native rows in the order `compare` gives; it is handed two rows' indexes from
+    // before the sort, answers negative, 0 or positive, and reads the rows through this Imp
+    // while the sort runs, so the rows must stay where they are until it has finished. Rows
+    // that compare equal keep their order.
+    virtual void SortRows(const std::function<int32_t(int32_t, int32_t)>& compare) = 0;
     // At least 1; missing columns come behind the last, surplus ones go from the end.
     virtual void SetNumberOfColumns(int32_t count) = 0;
     virtual int32_t GetNumberOfColumns() = 0;
@@ -33,6 +47,23 @@ public:
     virtual void EnableCheckBoxes(bool enable) = 0;
     virtual void SetItemChecked(int32_t row, bool checked) = 0;
     virtual bool IsItemChecked(int32_t row) = 0;
+
+private:
+    struct Route {
+        ControlEvent event;
+        NotificationAnswer (ListBoxImp::*handler)(const NativeNotification&,
+                                                  NotificationTranslation&);
+    };
+    static const Route routes[];
+
+    NotificationAnswer OnSelectionChanged(const NativeNotification&, NotificationTranslation& out);
+    NotificationAnswer OnItemActivated(const NativeNotification& notification,
+                                       NotificationTranslation& out);
+    NotificationAnswer OnColumnClicked(const NativeNotification& notification,
+                                       NotificationTranslation&);
+    void SortByColumn();
+
+    int32_t sortColumn = 0;
 };
 
 // A list box adopted from a dialog, plain or in columns. Rows added to a list sorted by its

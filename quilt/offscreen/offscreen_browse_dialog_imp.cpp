@@ -8,28 +8,19 @@ void Offscreen_BrowseDialogImp::Init(uint32_t chooserFlags, Window* parentWindow
 }
 
 bool Offscreen_BrowseDialogImp::Run(const loam::String* captionText, const loam::String* prefixText,
-                                    loam::FileSpec& spec) {
+                                    const loam::FileSpec& start, loam::String& chosen) {
     caption = captionText != nullptr ? *captionText : loam::String();
     statusPrefix = prefixText != nullptr ? *prefixText : loam::String();
-    startPath = spec;
+    startPath = start;
     Select(loam::String());
-    auto& answers = GetAnswers();
-    if (answers.empty()) {
+    if (!GetAnswerer()) {
         return false;
     }
-    Answer answer = std::move(answers.front());
-    answers.pop_front();
-    std::optional<loam::String> chosen = answer(*this);
-    if (!chosen || chosen->IsEmpty()) {
+    std::optional<loam::String> answer = GetAnswerer()(*this);
+    if (!answer) {
         return false;
     }
-    loam::FileSpec result(*chosen);
-    if ((flags & BrowseKeepLeaf) != 0) {
-        loam::String leaf;
-        startPath.GetLeafName(leaf);
-        result.Append(leaf);
-    }
-    spec = result;
+    chosen = *answer;
     return true;
 }
 
@@ -37,21 +28,13 @@ void Offscreen_BrowseDialogImp::Select(const loam::String& folder) {
     statusText = GetBrowseStatusText(flags, statusPrefix, startPath, folder, SystemRoot);
 }
 
-void Offscreen_BrowseDialogImp::AnswerNext(Answer answer) {
-    GetAnswers().push_back(std::move(answer));
+void Offscreen_BrowseDialogImp::SetAnswerer(Answerer answerer) {
+    GetAnswerer() = std::move(answerer);
 }
 
-size_t Offscreen_BrowseDialogImp::GetWaitingAnswers() {
-    return GetAnswers().size();
-}
-
-void Offscreen_BrowseDialogImp::ForgetAnswers() {
-    GetAnswers().clear();
-}
-
-std::deque<Offscreen_BrowseDialogImp::Answer>& Offscreen_BrowseDialogImp::GetAnswers() {
-    static std::deque<Answer> answers;
-    return answers;
+Offscreen_BrowseDialogImp::Answerer& Offscreen_BrowseDialogImp::GetAnswerer() {
+    static Answerer answerer;
+    return answerer;
 }
 
 } // namespace quilt

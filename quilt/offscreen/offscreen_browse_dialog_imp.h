@@ -5,28 +5,27 @@
 #include "quilt/browse_dialog.h"
 
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <optional>
 
 namespace quilt {
 
-// The folder chooser of the offscreen backend. Nobody sees it: each run takes the next answer
-// that a test has given, which may select folders, read the status line, and then choose a
-// folder or cancel. A run without an answer waiting is cancelled.
+// The folder chooser of the headless platform. Nobody sees it: a run asks the answerer, if one
+// is set, which may select folders and read the status line, and then chooses a folder or
+// cancels. A run without an answerer is cancelled.
 class Offscreen_BrowseDialogImp : public BrowseDialogImp {
 public:
     // The folder chosen, or none for a cancel.
-    using Answer = std::function<std::optional<loam::String>(Offscreen_BrowseDialogImp&)>;
+    using Answerer = std::function<std::optional<loam::String>(Offscreen_BrowseDialogImp&)>;
 
     // The system's own folder, which the status line never previews.
     static constexpr char SystemRoot[] = "/usr";
 
     void Init(uint32_t chooserFlags, Window* parentWindow) override;
     bool Run(const loam::String* caption, const loam::String* statusPrefix,
-             loam::FileSpec& spec) override;
+             const loam::FileSpec& start, loam::String& chosen) override;
 
-    // What a test reads and does while the chooser is up.
+    // What the answerer reads and does while the chooser is up.
     const loam::String& GetCaption() const { return caption; }
     const loam::FileSpec& GetStartPath() const { return startPath; }
     uint32_t GetFlags() const { return flags; }
@@ -34,12 +33,11 @@ public:
     void Select(const loam::String& folder);
     const loam::String& GetStatusText() const { return statusText; }
 
-    static void AnswerNext(Answer answer);
-    static size_t GetWaitingAnswers();
-    static void ForgetAnswers();
+    // Empty: every run is cancelled.
+    static void SetAnswerer(Answerer answerer);
 
 private:
-    static std::deque<Answer>& GetAnswers();
+    static Answerer& GetAnswerer();
 
     uint32_t flags = 0;
     Window* parent = nullptr;

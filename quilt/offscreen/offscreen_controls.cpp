@@ -6,33 +6,14 @@
 #include "quilt/offscreen/offscreen_list_controls.h"
 
 #include <algorithm>
-#include <strings.h>
 
 namespace quilt {
-
-namespace {
-
-template <class Control> struct NativeRoute {
-    OffscreenMessageKind kind;
-    void (*handler)(Control&, const OffscreenMessage&);
-};
-
-// Runs the class's row for the message; false when the class has none.
-template <class Control, size_t Count>
-bool RouteNative(Control& control, const NativeRoute<Control> (&routes)[Count],
-                 const OffscreenMessage& message) {
-    for (const NativeRoute<Control>& route : routes) {
-        if (route.kind == message.kind) {
-            route.handler(control, message);
-            return true;
-        }
-    }
-    return false;
-}
 
 bool IsLeftButton(const OffscreenMessage& message) {
     return (message.flags & MouseLeft) != 0;
 }
+
+namespace {
 
 void TakeFocus(OffscreenWindow& control) {
     GetOffscreenDesktop().SetFocus(&control);
@@ -133,11 +114,11 @@ void EditMouseDown(OffscreenEdit& edit, const OffscreenMessage& message) {
 }
 
 void EditSetFocus(OffscreenEdit& edit, const OffscreenMessage&) {
-    NotifyParent(edit, NotifyEditSetFocus);
+    NotifyParent(edit, ControlEvent::FocusGained);
 }
 
 void EditKillFocus(OffscreenEdit& edit, const OffscreenMessage&) {
-    NotifyParent(edit, NotifyEditKillFocus);
+    NotifyParent(edit, ControlEvent::FocusLost);
 }
 
 constexpr NativeRoute<OffscreenEdit> editRoutes[] = {
@@ -149,14 +130,14 @@ constexpr NativeRoute<OffscreenEdit> editRoutes[] = {
 };
 
 // Each notification may destroy the slider: each is sent only while it is still there.
-void NotifyScrolls(OffscreenTrackBar& bar, std::initializer_list<OffscreenScrollCode> codes) {
+void NotifyScrolls(OffscreenTrackBar& bar, std::initializer_list<ScrollAction> actions) {
     OffscreenHandle handle = bar.handle;
-    for (OffscreenScrollCode code : codes) {
+    for (ScrollAction action : actions) {
         OffscreenWindow* window = GetOffscreenDesktop().Find(handle);
         if (window == nullptr) {
             return;
         }
-        NotifyParent(*window, NotifyScroll, code);
+        NotifyParent(*window, ControlEvent::Scrolled, action);
     }
 }
 
@@ -202,36 +183,38 @@ constexpr NativeRoute<OffscreenTrackBar> trackBarRoutes[] = {
     {OffscreenMessageKind::MouseDown, TrackBarMouseDown},
 };
 
-template <class Control>
-std::unique_ptr<OffscreenWindow> Make(const char* className, OffscreenWindow* parent) {
-    return std::make_unique<Control>(className, parent);
+template <class Control> std::unique_ptr<OffscreenWindow> Make(OffscreenWindow* parent) {
+    return std::make_unique<Control>(parent);
 }
 
 struct NativeClass {
-    const char* name;
-    std::unique_ptr<OffscreenWindow> (*make)(const char* className, OffscreenWindow* parent);
+    ControlKind kind;
+    std::unique_ptr<OffscreenWindow> (*make)(OffscreenWindow* parent);
 };
 
 constexpr NativeClass nativeClasses[] = {
-    {ControlClassButton, Make<OffscreenButton>},
-    {ControlClassEdit, Make<OffscreenEdit>},
-    {ControlClassTrackBar, Make<OffscreenTrackBar>},
-    {ControlClassProgressBar, Make<OffscreenProgressBar>},
-    {ControlClassListView, Make<OffscreenListView>},
-    {ControlClassComboBox, Make<OffscreenComboBox>},
+    {ControlKind::PushButton, Make<OffscreenButton>},
+    {ControlKind::DefaultPushButton, Make<OffscreenButton>},
+    {ControlKind::CheckBox, Make<OffscreenButton>},
+    {ControlKind::AutoCheckBox, Make<OffscreenButton>},
+    {ControlKind::GroupBox, Make<OffscreenButton>},
+    {ControlKind::Edit, Make<OffscreenEdit>},
+    {ControlKind::TrackBar, Make<OffscreenTrackBar>},
+    {ControlKind::ProgressBar, Make<OffscreenProgressBar>},
+    {ControlKind::ListView, Make<OffscreenListView>},
+    {ControlKind::ComboBoxWithEdit, Make<OffscreenComboBox>},
 };
 
 } // namespace
 
-void NotifyParent(OffscreenWindow& control, int32_t code, uint32_t detail) {
+void NotifyParent(OffscreenWindow& control, ControlEvent event, uint32_t detail) {
     if (control.parent == nullptr) {
         return;
     }
     OffscreenMessage message{OffscreenMessageKind::Notify};
     message.value = control.id;
-    message.code = code;
+    message.event = event;
     message.flags = detail;
-    message.source = control.handle;
     GetOffscreenDesktop().Send(control.parent, message);
 }
 
@@ -253,7 +236,7 @@ void OffscreenButton::Click() {
         checkState = checkState == CheckStateChecked ? CheckStateUnchecked : CheckStateChecked;
         needsPaint = true;
     }
-    NotifyParent(*this, NotifyClicked);
+    NotifyParent(*this, ControlEvent::Clicked);
 }
 
 void OffscreenEdit::DefaultHandling(const OffscreenMessage& message) {
@@ -290,9 +273,9 @@ void OffscreenEdit::ReplaceSelection(const loam::String& replacement) {
     selectionEnd = caret;
     needsPaint = true;
     OffscreenHandle self = handle;
-    NotifyParent(*this, NotifyEditUpdate);
+    NotifyParent(*this, ControlEvent::TextUpdated);
     if (OffscreenWindow* stillThere = GetOffscreenDesktop().Find(self)) {
-        NotifyParent(*stillThere, NotifyEditChange);
+        NotifyParent(*stillThere, ControlEvent::TextChanged);
     }
 }
 
@@ -317,16 +300,16 @@ void OffscreenTrackBar::SetPosition(int32_t value) {
     needsPaint = true;
 }
 
-std::unique_ptr<OffscreenWindow> MakeOffscreenWindow(const char* className, uint32_t style,
+std::unique_ptr<OffscreenWindow> MakeOffscreenWindow(ControlKind kind, uint32_t style,
                                                      OffscreenWindow* parent) {
     std::unique_ptr<OffscreenWindow> window;
     for (const NativeClass& nativeClass : nativeClasses) {
-        if (strcasecmp(nativeClass.name, className) == 0) {
-            window = nativeClass.make(className, parent);
+        if (nativeClass.kind == kind) {
+            window = nativeClass.make(parent);
         }
     }
     if (window == nullptr) {
-        window = std::make_unique<OffscreenWindow>(className, parent);
+        window = std::make_unique<OffscreenWindow>(parent);
     }
     window->style = style;
     return window;

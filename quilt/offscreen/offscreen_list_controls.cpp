@@ -12,23 +12,6 @@ namespace {
 
 const loam::String emptyCell;
 
-template <class Control> struct NativeRoute {
-    OffscreenMessageKind kind;
-    void (*handler)(Control&, const OffscreenMessage&);
-};
-
-template <class Control, size_t Count>
-bool RouteNative(Control& control, const NativeRoute<Control> (&routes)[Count],
-                 const OffscreenMessage& message) {
-    for (const NativeRoute<Control>& route : routes) {
-        if (route.kind == message.kind) {
-            route.handler(control, message);
-            return true;
-        }
-    }
-    return false;
-}
-
 int32_t CompareFolded(const loam::String& a, const loam::String& b) {
     const char* left = a.GetCString();
     const char* right = b.GetCString();
@@ -41,18 +24,14 @@ int32_t CompareFolded(const loam::String& a, const loam::String& b) {
     }
 }
 
-bool IsLeftButton(const OffscreenMessage& message) {
-    return (message.flags & MouseLeft) != 0;
-}
-
 uint32_t AsDetail(int32_t value) {
     return static_cast<uint32_t>(value);
 }
 
 // Each notification may destroy the control: the next is sent only while it is still there.
-void NotifyWhileThere(OffscreenHandle handle, int32_t code, uint32_t detail = 0) {
+void NotifyWhileThere(OffscreenHandle handle, ControlEvent event, uint32_t detail = 0) {
     if (OffscreenWindow* window = GetOffscreenDesktop().Find(handle)) {
-        NotifyParent(*window, code, detail);
+        NotifyParent(*window, event, detail);
     }
 }
 
@@ -68,7 +47,7 @@ void ListMouseDown(OffscreenListView& list, const OffscreenMessage& message) {
     }
     int32_t column = view->GetColumnAt(message.point);
     if (column >= 0) {
-        NotifyParent(*view, NotifyListColumnClick, AsDetail(column));
+        NotifyParent(*view, ControlEvent::ColumnClicked, AsDetail(column));
         return;
     }
     view->Select(view->GetRowAt(message.point));
@@ -81,7 +60,7 @@ void ListDoubleClick(OffscreenListView& list, const OffscreenMessage& message) {
     OffscreenHandle handle = list.handle;
     int32_t row = list.GetRowAt(message.point);
     list.Select(row);
-    NotifyWhileThere(handle, NotifyListActivate, AsDetail(row));
+    NotifyWhileThere(handle, ControlEvent::ItemActivated, AsDetail(row));
 }
 
 void ListKeyDown(OffscreenListView& list, const OffscreenMessage& message) {
@@ -115,8 +94,8 @@ void ComboKey(OffscreenComboBox& combo, const OffscreenMessage& message) {
 // The field's change is the combo box's own.
 void ComboNotify(OffscreenComboBox& combo, const OffscreenMessage& message) {
     combo.text = combo.GetEdit()->text;
-    if (message.code == NotifyEditChange) {
-        NotifyParent(combo, NotifyComboEditChange);
+    if (message.event == ControlEvent::TextChanged) {
+        NotifyParent(combo, ControlEvent::TextChanged);
     }
 }
 
@@ -299,7 +278,7 @@ void OffscreenListView::Select(int32_t row) {
         GetRow(row).selected = true;
     }
     needsPaint = true;
-    NotifyParent(*this, NotifyListSelectionChange);
+    NotifyParent(*this, ControlEvent::SelectionChanged);
 }
 
 int32_t OffscreenListView::GetSelected() const {
@@ -392,7 +371,7 @@ OffscreenEdit* OffscreenComboBox::GetEdit() {
     if (auto* edit = dynamic_cast<OffscreenEdit*>(FindChild(EditId))) {
         return edit;
     }
-    auto made = MakeOffscreenWindow(ControlClassEdit, StyleAutoHScroll, this);
+    auto made = MakeOffscreenWindow(ControlKind::Edit, StyleAutoHScroll, this);
     made->id = EditId;
     made->rect = Rect{0, 0, std::max(0, rect.GetWidth() - ArrowWidth), FieldHeight};
     made->visible = true;
@@ -454,23 +433,23 @@ void OffscreenComboBox::ChooseRow(int32_t row) {
     OffscreenHandle self = handle;
     selected = row;
     SetNativeText(rows[static_cast<size_t>(row)].text);
-    NotifyParent(*this, NotifyComboSelectionChange);
+    NotifyParent(*this, ControlEvent::SelectionChanged);
     if (auto* combo = dynamic_cast<OffscreenComboBox*>(GetOffscreenDesktop().Find(self))) {
         combo->Close();
     }
-    NotifyWhileThere(self, NotifyComboSelectionEndOk);
+    NotifyWhileThere(self, ControlEvent::SelectionEnded);
 }
 
 void OffscreenComboBox::Open() {
     dropped = true;
     needsPaint = true;
-    NotifyParent(*this, NotifyComboDropDown);
+    NotifyParent(*this, ControlEvent::ListOpened);
 }
 
 void OffscreenComboBox::Close() {
     dropped = false;
     needsPaint = true;
-    NotifyParent(*this, NotifyComboCloseUp);
+    NotifyParent(*this, ControlEvent::ListClosed);
 }
 
 } // namespace quilt

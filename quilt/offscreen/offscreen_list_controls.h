@@ -13,19 +13,6 @@
 
 namespace quilt {
 
-// What a list view or a combo box tells its parent in a Notify message; the detail is a row or
-// a column, where the code names one.
-enum OffscreenListNotifyCode : int32_t {
-    NotifyListSelectionChange = 0x600,
-    NotifyListActivate = 0x601,    // detail: the row, -1 for none
-    NotifyListColumnClick = 0x602, // detail: the column
-    NotifyComboSelectionChange = 0x700,
-    NotifyComboEditChange = 0x701,
-    NotifyComboDropDown = 0x702,
-    NotifyComboCloseUp = 0x703,
-    NotifyComboSelectionEndOk = 0x704,
-};
-
 struct OffscreenListRow {
     std::vector<loam::String> cells; // column 0 first; a missing cell is empty
     uint32_t data = 0;

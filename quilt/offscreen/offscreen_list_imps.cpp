@@ -1,23 +1,12 @@
 #include "quilt/offscreen/offscreen_list_imps.h"
 
 #include "quilt/dialog_template.h"
-#include "quilt/message_target.h"
-
-#include <strings.h>
 
 namespace quilt {
 
 namespace {
 
 constexpr char placeholderName[] = "Call SetNumberOfColumns() and SetColumnName()! :-)";
-
-bool IsOfClass(const OffscreenWindow* window, const char* className) {
-    return window != nullptr && strcasecmp(window->className.GetCString(), className) == 0;
-}
-
-int32_t AsRow(uintptr_t word) {
-    return static_cast<int32_t>(static_cast<uint32_t>(word));
-}
 
 void GiveRow(int32_t* out, int32_t row) {
     if (out != nullptr) {
@@ -26,12 +15,6 @@ void GiveRow(int32_t* out, int32_t row) {
 }
 
 } // namespace
-
-const Offscreen_ListBoxImp::Route Offscreen_ListBoxImp::routes[] = {
-    {NotifyListSelectionChange, &Offscreen_ListBoxImp::OnSelectionChange},
-    {NotifyListActivate, &Offscreen_ListBoxImp::OnActivate},
-    {NotifyListColumnClick, &Offscreen_ListBoxImp::OnColumnClick},
-};
 
 OffscreenListRow* Offscreen_ListBoxImp::GetRow(int32_t row) const {
     OffscreenListView* view = GetView();
@@ -149,16 +132,15 @@ int32_t Offscreen_ListBoxImp::FindItem(const loam::String& text) {
     return -1;
 }
 
-void Offscreen_ListBoxImp::EnableSorting() {
-    if (OffscreenListView* view = GetView()) {
-        view->style &= ~uint32_t{StyleSortAscending};
-        SortByColumn();
-    }
-}
-
 void Offscreen_ListBoxImp::DisableSorting() {
     if (OffscreenListView* view = GetView()) {
         view->style &= ~uint32_t{StyleSortAscending};
+    }
+}
+
+void Offscreen_ListBoxImp::SortRows(const std::function<int32_t(int32_t, int32_t)>& compare) {
+    if (OffscreenListView* view = GetView()) {
+        view->Sort(compare);
     }
 }
 
@@ -277,7 +259,8 @@ bool Offscreen_ListBoxImp::IsItemChecked(int32_t row) {
 }
 
 bool Offscreen_ListBoxImp::Attach(OffscreenWindow* window) {
-    if (!IsOfClass(window, ControlClassListView) || !Offscreen_WindowImp::Attach(window)) {
+    if (dynamic_cast<OffscreenListView*>(window) == nullptr ||
+        !Offscreen_WindowImp::Attach(window)) {
         return false;
     }
     boundView = static_cast<OffscreenListView*>(window);
@@ -297,136 +280,34 @@ void Offscreen_ListBoxImp::OnNativeWindowGone() {
     Offscreen_WindowImp::OnNativeWindowGone();
 }
 
-NotificationAnswer
-Offscreen_ListBoxImp::TranslateNotification(const NativeNotification& notification,
-                                            NotificationTranslation& out) {
-    for (const Route& route : routes) {
-        if (route.code == notification.code) {
-            return (this->*route.handler)(notification, out);
-        }
-    }
-    return AnswerDefault;
-}
-
-NotificationAnswer Offscreen_ListBoxImp::OnSelectionChange(const NativeNotification&,
-                                                           NotificationTranslation& out) {
-    out.kind = MsgSelectionChange;
-    return AnswerDispatch;
-}
-
-NotificationAnswer Offscreen_ListBoxImp::OnActivate(const NativeNotification& notification,
-                                                    NotificationTranslation& out) {
-    out.kind = MsgItemActivate;
-    out.parameter = AsRow(notification.word);
-    return AnswerDispatch;
-}
-
-// The same column again flips the direction; another column sorts ascending first.
-NotificationAnswer Offscreen_ListBoxImp::OnColumnClick(const NativeNotification& notification,
-                                                       NotificationTranslation&) {
-    auto* list = dynamic_cast<ListControl*>(GetOwner());
-    if (list == nullptr) {
-        return AnswerHandled;
-    }
-    int32_t column = AsRow(notification.word);
-    if (column == sortColumn) {
-        list->SetSortDirection(list->GetSortDirection() == SortAscending ? SortDescending
-                                                                         : SortAscending);
-    } else {
-        sortColumn = column;
-        list->SetSortDirection(SortAscending);
-    }
-    SortByColumn();
-    return AnswerHandled;
-}
-
-void Offscreen_ListBoxImp::SortByColumn() {
-    auto* list = dynamic_cast<ListControl*>(GetOwner());
-    OffscreenListView* view = GetView();
-    if (list == nullptr || view == nullptr) {
-        return;
-    }
-    int32_t sign = list->GetSortDirection() == SortDescending ? -1 : 1;
-    int32_t column = sortColumn;
-    view->Sort([list, sign, column](int32_t a, int32_t b) {
-        return sign * list->CompareItems(a, b, column);
-    });
-}
-
-const Offscreen_DropDownListImp::Route Offscreen_DropDownListImp::routes[] = {
-    {NotifyComboSelectionChange, &Offscreen_DropDownListImp::OnSelectionChange},
-    {NotifyComboEditChange, &Offscreen_DropDownListImp::OnEditChange},
-    {NotifyComboDropDown, &Offscreen_DropDownListImp::OnDropDown},
-    {NotifyComboCloseUp, &Offscreen_DropDownListImp::OnCloseUp},
-    {NotifyComboSelectionEndOk, &Offscreen_DropDownListImp::OnSelectionEndOk},
-};
-
 OffscreenComboBox* Offscreen_DropDownListImp::GetCombo() const {
     return dynamic_cast<OffscreenComboBox*>(GetNative());
 }
 
-void Offscreen_DropDownListImp::Clear() {
-    if (historyMode) {
-        history.Clear();
-        return;
-    }
+OffscreenComboBox::Row* Offscreen_DropDownListImp::GetRow(int32_t row) const {
+    OffscreenComboBox* combo = GetCombo();
+    return combo != nullptr && combo->IsRow(row) ? &combo->rows[static_cast<size_t>(row)] : nullptr;
+}
+
+void Offscreen_DropDownListImp::NativeClear() {
     if (OffscreenComboBox* combo = GetCombo()) {
         combo->rows.clear();
         combo->selected = -1;
     }
 }
 
-int32_t Offscreen_DropDownListImp::GetCount() {
-    if (historyMode) {
-        return history.GetCount();
-    }
+int32_t Offscreen_DropDownListImp::NativeGetCount() {
     OffscreenComboBox* combo = GetCombo();
     return combo != nullptr ? combo->GetCount() : 0;
 }
 
-bool Offscreen_DropDownListImp::InsertNative(int32_t at, const loam::String& newText, int32_t* row,
-                                             uint32_t data) {
+int32_t Offscreen_DropDownListImp::NativeInsert(int32_t at, const loam::String& text,
+                                                uint32_t data) {
     OffscreenComboBox* combo = GetCombo();
-    if (combo == nullptr) {
-        return false;
-    }
-    GiveRow(row, combo->Insert(at, newText, data));
-    return true;
+    return combo != nullptr ? combo->Insert(at, text, data) : -1;
 }
 
-bool Offscreen_DropDownListImp::InsertHistory(int32_t at, const loam::String& newText, int32_t* row,
-                                              uint32_t data) {
-    int32_t place = at < 0 ? history.GetCount() : at;
-    if (!history.Insert(place, newText, data)) {
-        return false;
-    }
-    GiveRow(row, place);
-    return true;
-}
-
-bool Offscreen_DropDownListImp::AddItem(const loam::String& newText, int32_t* row, uint32_t data) {
-    return historyMode ? InsertHistory(-1, newText, row, data)
-                       : InsertNative(-1, newText, row, data);
-}
-
-bool Offscreen_DropDownListImp::InsertAfter(int32_t after, const loam::String& newText,
-                                            int32_t* row, uint32_t data) {
-    return InsertBefore(after + 1, newText, row, data);
-}
-
-bool Offscreen_DropDownListImp::InsertBefore(int32_t before, const loam::String& newText,
-                                             int32_t* row, uint32_t data) {
-    if (before < 0) {
-        return false;
-    }
-    return historyMode ? InsertHistory(before, newText, row, data)
-                       : InsertNative(before, newText, row, data);
-}
-
-bool Offscreen_DropDownListImp::RemoveItem(int32_t row) {
-    if (historyMode) {
-        return history.Remove(row);
-    }
+bool Offscreen_DropDownListImp::NativeRemove(int32_t row) {
     OffscreenComboBox* combo = GetCombo();
     if (combo == nullptr || !combo->IsRow(row)) {
         return false;
@@ -435,68 +316,39 @@ bool Offscreen_DropDownListImp::RemoveItem(int32_t row) {
     return true;
 }
 
-// A row has one text: the column is not looked at.
-bool Offscreen_DropDownListImp::SetItemText(int32_t row, const loam::String& newText, int32_t) {
-    if (historyMode) {
-        if (row < 0 || row >= history.GetCount()) {
-            return false;
-        }
-        history.Get(row).text = newText;
-        return true;
-    }
-    OffscreenComboBox* combo = GetCombo();
-    if (combo == nullptr || !combo->IsRow(row)) {
+bool Offscreen_DropDownListImp::NativeSetItemText(int32_t row, const loam::String& text) {
+    OffscreenComboBox::Row* entry = GetRow(row);
+    if (entry == nullptr) {
         return false;
     }
-    combo->rows[static_cast<size_t>(row)].text = newText;
+    entry->text = text;
     return true;
 }
 
-bool Offscreen_DropDownListImp::SetItemData(int32_t row, uint32_t data) {
-    if (historyMode) {
-        if (row < 0 || row >= history.GetCount()) {
-            return false;
-        }
-        history.Get(row).data = data;
-        return true;
-    }
-    OffscreenComboBox* combo = GetCombo();
-    if (combo == nullptr || !combo->IsRow(row)) {
+bool Offscreen_DropDownListImp::NativeSetItemData(int32_t row, uint32_t data) {
+    OffscreenComboBox::Row* entry = GetRow(row);
+    if (entry == nullptr) {
         return false;
     }
-    combo->rows[static_cast<size_t>(row)].data = data;
+    entry->data = data;
     return true;
 }
 
-bool Offscreen_DropDownListImp::GetItemText(int32_t row, loam::String& out, int32_t) {
-    if (historyMode) {
-        if (row < 0 || row >= history.GetCount()) {
-            return false;
-        }
-        out = history.Get(row).text;
-        return true;
-    }
-    OffscreenComboBox* combo = GetCombo();
-    if (combo == nullptr || !combo->IsRow(row)) {
+bool Offscreen_DropDownListImp::NativeGetItemText(int32_t row, loam::String& text) {
+    OffscreenComboBox::Row* entry = GetRow(row);
+    if (entry == nullptr) {
         return false;
     }
-    out = combo->rows[static_cast<size_t>(row)].text;
+    text = entry->text;
     return true;
 }
 
-bool Offscreen_DropDownListImp::GetItemData(int32_t row, uint32_t& data) {
-    if (historyMode) {
-        if (row < 0 || row >= history.GetCount()) {
-            return false;
-        }
-        data = history.Get(row).data;
-        return true;
-    }
-    OffscreenComboBox* combo = GetCombo();
-    if (combo == nullptr || !combo->IsRow(row)) {
+bool Offscreen_DropDownListImp::NativeGetItemData(int32_t row, uint32_t& data) {
+    OffscreenComboBox::Row* entry = GetRow(row);
+    if (entry == nullptr) {
         return false;
     }
-    data = combo->rows[static_cast<size_t>(row)].data;
+    data = entry->data;
     return true;
 }
 
@@ -510,7 +362,6 @@ bool Offscreen_DropDownListImp::SelectItem(int32_t row) {
     if (row != -1) {
         combo->SetNativeText(combo->rows[static_cast<size_t>(row)].text);
     }
-    textValid = false;
     return true;
 }
 
@@ -521,19 +372,6 @@ bool Offscreen_DropDownListImp::GetSelection(int32_t& row) {
     }
     row = combo->selected;
     return true;
-}
-
-int32_t Offscreen_DropDownListImp::FindItem(const loam::String& wanted) {
-    if (historyMode) {
-        return history.Find(wanted);
-    }
-    OffscreenComboBox* combo = GetCombo();
-    for (int32_t row = 0; combo != nullptr && row < combo->GetCount(); ++row) {
-        if (combo->rows[static_cast<size_t>(row)].text == wanted) {
-            return row;
-        }
-    }
-    return -1;
 }
 
 void Offscreen_DropDownListImp::EnableSorting() {
@@ -548,161 +386,17 @@ void Offscreen_DropDownListImp::DisableSorting() {
     }
 }
 
-void Offscreen_DropDownListImp::ClearEditSelection() {
-    if (OffscreenComboBox* combo = GetCombo()) {
-        combo->GetEdit()->Select(0, 0);
-    }
-}
-
-void Offscreen_DropDownListImp::SetEditSelection(int32_t start, int32_t end) {
-    if (hasEdit) {
-        edit.SetSelection(start, end);
-    }
-    textValid = false;
-}
-
-void Offscreen_DropDownListImp::SetHistoryMode(bool on) {
-    if (on == historyMode) {
-        return;
-    }
-    if (!on) {
-        historyMode = false;
-        Rebuild();
-        return;
-    }
-    DisableSorting();
-    history.Clear();
-    OffscreenComboBox* combo = GetCombo();
-    for (int32_t row = 0; combo != nullptr && row < combo->GetCount(); ++row) {
-        const OffscreenComboBox::Row& entry = combo->rows[static_cast<size_t>(row)];
-        if (!history.Append(entry.text, entry.data)) {
-            break;
-        }
-    }
-    historyMode = true;
-}
-
-void Offscreen_DropDownListImp::AddToHistory(const loam::String& added) {
-    if (historyMode) {
-        history.Add(added);
-    }
-}
-
-void Offscreen_DropDownListImp::SetEnterNotifies(bool notifies) {
-    if (hasEdit) {
-        edit.SetEnterNotifies(notifies);
-    }
-}
-
-bool Offscreen_DropDownListImp::SetText(const loam::String& newText) {
-    if (!Offscreen_WindowImp::SetText(newText)) {
-        return false;
-    }
-    if (hasEdit) {
-        text = newText;
-        textValid = true;
-    }
-    return true;
-}
-
-bool Offscreen_DropDownListImp::GetText(loam::String& out) {
-    if (!hasEdit) {
-        return Offscreen_WindowImp::GetText(out);
-    }
-    if (!textValid) {
-        if (!Offscreen_WindowImp::GetText(text)) {
-            return false;
-        }
-        textValid = true;
-    }
-    out = text;
-    return true;
-}
-
-void Offscreen_DropDownListImp::Rebuild() {
-    OffscreenComboBox* combo = GetCombo();
-    if (combo == nullptr) {
-        return;
-    }
-    loam::String current;
-    GetText(current);
-    text = current;
-    combo->rows.clear();
-    combo->selected = -1;
-    for (int32_t row = 0; row < history.GetCount(); ++row) {
-        combo->rows.push_back(OffscreenComboBox::Row{history.Get(row).text, history.Get(row).data});
-    }
-    if (history.GetCount() > 0) {
-        text = history.Get(0).text;
-    }
-    SetText(text);
-}
-
 bool Offscreen_DropDownListImp::Attach(OffscreenWindow* window) {
-    if (!IsOfClass(window, ControlClassComboBox) || !Offscreen_WindowImp::Attach(window)) {
+    auto* combo = dynamic_cast<OffscreenComboBox*>(window);
+    if (combo == nullptr || !Offscreen_WindowImp::Attach(window)) {
         return false;
     }
-    OffscreenComboBox* combo = GetCombo();
-    hasEdit = (combo->style & StyleDropDown) != 0;
-    if (!hasEdit) {
-        return true;
+    if ((combo->style & StyleDropDown) != 0) {
+        BindEdit(GetParent(),
+                 reinterpret_cast<NativeHandle>(static_cast<uintptr_t>(combo->GetEdit()->handle)),
+                 combo->id);
     }
-    Window* dialog = GetParent();
-    edit.BindToHandle(
-        dialog, reinterpret_cast<NativeHandle>(static_cast<uintptr_t>(combo->GetEdit()->handle)));
-    edit.SetEnterTarget(dialog, combo->id);
     return true;
-}
-
-NotificationAnswer
-Offscreen_DropDownListImp::TranslateNotification(const NativeNotification& notification,
-                                                 NotificationTranslation& out) {
-    for (const Route& route : routes) {
-        if (route.code == notification.code) {
-            return (this->*route.handler)(notification, out);
-        }
-    }
-    return AnswerDefault;
-}
-
-NotificationAnswer Offscreen_DropDownListImp::OnSelectionChange(const NativeNotification&,
-                                                                NotificationTranslation& out) {
-    int32_t row = -1;
-    if (hasEdit && GetSelection(row)) {
-        text = GetCombo()->rows[static_cast<size_t>(row)].text;
-        textValid = true;
-        AddToHistory(text);
-    }
-    out.kind = MsgListSelChange;
-    return AnswerDispatch;
-}
-
-NotificationAnswer Offscreen_DropDownListImp::OnEditChange(const NativeNotification& notification,
-                                                           NotificationTranslation& out) {
-    textValid = false;
-    out.kind = MsgListTextChange;
-    out.parameter = notification.id;
-    return AnswerDispatch;
-}
-
-NotificationAnswer Offscreen_DropDownListImp::OnDropDown(const NativeNotification&,
-                                                         NotificationTranslation&) {
-    if (historyMode) {
-        Rebuild();
-    }
-    return AnswerHandled;
-}
-
-NotificationAnswer Offscreen_DropDownListImp::OnCloseUp(const NativeNotification&,
-                                                        NotificationTranslation&) {
-    textValid = false;
-    return AnswerHandled;
-}
-
-NotificationAnswer Offscreen_DropDownListImp::OnSelectionEndOk(const NativeNotification&,
-                                                               NotificationTranslation& out) {
-    out.kind = MsgListSelEndOk;
-    return AnswerDispatch;
 }
 
 } // namespace quilt

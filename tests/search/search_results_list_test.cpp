@@ -3,7 +3,7 @@
 #include "loam/format.h"
 #include "loam/scratch_folder.h"
 #include "quilt/dialog.h"
-#include "quilt/offscreen/offscreen_driver.h"
+#include "quilt/offscreen/testing/offscreen_driver.h"
 #include "search/search_outcome.h"
 #include "search/search_results_list.h"
 

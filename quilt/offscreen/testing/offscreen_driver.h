@@ -1,9 +1,9 @@
 #pragma once
 
 #include "loam/string.h"
-#include "quilt/clock.h"
 #include "quilt/geometry.h"
 #include "quilt/offscreen/offscreen_desktop.h"
+#include "quilt/offscreen/testing/virtual_clock.h"
 
 #include <cstdint>
 #include <deque>
@@ -16,19 +16,6 @@ namespace quilt {
 class Dialog;
 class Offscreen_BrowseDialogImp;
 class Window;
-
-// A clock that moves only when told to, or when the loop it drives would wait or sleep.
-class VirtualClock : public Clock {
-public:
-    explicit VirtualClock(uint32_t start) : now(start) {}
-    uint32_t GetTickCount() override { return now; }
-    void Sleep(uint32_t milliseconds) override { now += milliseconds; }
-    void Set(uint32_t tick) { now = tick; }
-    uint32_t GetNow() const { return now; }
-
-private:
-    uint32_t now;
-};
 
 // Drives the offscreen backend in a test, on a virtual clock: posts what a user does, runs the
 // application's main loop, and reads what the user would see. One per test, made before the
@@ -161,10 +148,11 @@ public:
     // The rows of the native list, as the user sees them when it is open.
     std::vector<loam::String> GetDropDownRows(Dialog& dialog, int32_t id) const;
 
+    using FolderAnswer = std::function<std::optional<loam::String>(Offscreen_BrowseDialogImp&)>;
     // Answers the next folder chooser, in the order they come up: `answer` may select folders
-    // and read the status line, and gives the folder chosen, or none to cancel.
-    void OnNextFolderChoice(
-        std::function<std::optional<loam::String>(Offscreen_BrowseDialogImp&)> answer);
+    // and read the status line, and gives the folder chosen, or none to cancel. A chooser with
+    // no answer waiting is cancelled.
+    void OnNextFolderChoice(FolderAnswer answer);
 
 private:
     enum class RunEnd { Rest, Condition, Limit };
@@ -181,10 +169,12 @@ private:
     void PostToControl(Dialog& dialog, int32_t id, OffscreenMessage message,
                        std::optional<uint32_t> at);
     void OnModal(OffscreenWindow& window);
+    std::optional<loam::String> AnswerFolderChoice(Offscreen_BrowseDialogImp& chooser);
 
     VirtualClock clock;
     OffscreenDesktop& desktop;
     std::deque<std::function<void(Dialog&)>> modalActions;
+    std::deque<FolderAnswer> folderAnswers;
 };
 
 } // namespace quilt

@@ -1,7 +1,7 @@
 #include "quilt/keys.h"
 #include "quilt/offscreen/offscreen_browse_dialog_imp.h"
-#include "quilt/offscreen/offscreen_driver.h"
 #include "quilt/offscreen/offscreen_list_controls.h"
+#include "quilt/offscreen/testing/offscreen_driver.h"
 
 namespace quilt {
 
@@ -116,9 +116,18 @@ std::vector<loam::String> OffscreenDriver::GetDropDownRows(Dialog& dialog, int32
     return texts;
 }
 
-void OffscreenDriver::OnNextFolderChoice(
-    std::function<std::optional<loam::String>(Offscreen_BrowseDialogImp&)> answer) {
-    Offscreen_BrowseDialogImp::AnswerNext(std::move(answer));
+void OffscreenDriver::OnNextFolderChoice(FolderAnswer answer) {
+    folderAnswers.push_back(std::move(answer));
+}
+
+std::optional<loam::String>
+OffscreenDriver::AnswerFolderChoice(Offscreen_BrowseDialogImp& chooser) {
+    if (folderAnswers.empty()) {
+        return std::nullopt;
+    }
+    FolderAnswer answer = std::move(folderAnswers.front());
+    folderAnswers.pop_front();
+    return answer(chooser);
 }
 
 } // namespace quilt

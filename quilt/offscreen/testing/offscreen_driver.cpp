@@ -1,4 +1,4 @@
-#include "quilt/offscreen/offscreen_driver.h"
+#include "quilt/offscreen/testing/offscreen_driver.h"
 
 #include "quilt/application.h"
 #include "quilt/dialog.h"
@@ -34,11 +34,14 @@ OffscreenDriver::OffscreenDriver(uint32_t startTime)
     : clock(startTime), desktop(GetOffscreenDesktop()) {
     desktop.Reset();
     SetClock(&clock);
+    desktop.SetAttended(true);
     desktop.SetModalHook([this](OffscreenWindow& window) { OnModal(window); });
+    Offscreen_BrowseDialogImp::SetAnswerer(
+        [this](Offscreen_BrowseDialogImp& chooser) { return AnswerFolderChoice(chooser); });
 }
 
 OffscreenDriver::~OffscreenDriver() {
-    Offscreen_BrowseDialogImp::ForgetAnswers();
+    Offscreen_BrowseDialogImp::SetAnswerer({});
     desktop.SetModalHook({});
     desktop.Reset();
     SetClock(nullptr);
