@@ -14,6 +14,10 @@ constexpr quilt::Rect buttonSize{0, 0, 50, 14}; // dialog units
 constexpr int32_t dialogWidth = 300;
 constexpr int32_t edge = 6;
 
+bool AskVolume(const loam::FileSpec& path, uint32_t& bytes) {
+    return loam::VolumeSpec(path).GetFreeSpace(bytes);
+}
+
 } // namespace
 
 ProgressDialog::ProgressDialog(ProgressWorker_OneShot* worker, const loam::String& titleText,
@@ -64,6 +68,15 @@ void ProgressDialog::SetProgress(int32_t percent) {
 FileMover::FileMover(const loam::FileSpec& from, const loam::FileSpec& to)
     : source(from), destination(to) {}
 
+void FileMover::SetFreeSpaceQuery(FreeSpaceQuery query) {
+    GetFreeSpaceQuery() = query != nullptr ? query : AskVolume;
+}
+
+FileMover::FreeSpaceQuery& FileMover::GetFreeSpaceQuery() {
+    static FreeSpaceQuery query = AskVolume;
+    return query;
+}
+
 // Every failure ends in the status, with the error stack empty.
 void FileMover::Run(ProgressDialog& runner) {
     dialog = &runner;
@@ -74,7 +87,7 @@ void FileMover::Run(ProgressDialog& runner) {
     }
     fileSize = source.GetFileSize();
     uint32_t freeBytes = 0;
-    if (!loam::VolumeSpec(destination).GetFreeSpace(freeBytes)) {
+    if (!GetFreeSpaceQuery()(destination, freeBytes)) {
         loam::ClearErrors();
     } else if (freeBytes < fileSize) {
         status = StatusNoSpace;

@@ -65,7 +65,15 @@ public:
         StatusNotRemoved = 5,
     };
 
+    // Answers the free bytes, for the caller, of the volume that holds `path`; false when the
+    // system cannot tell.
+    using FreeSpaceQuery = bool (*)(const loam::FileSpec& path, uint32_t& bytes);
+
     FileMover(const loam::FileSpec& source, const loam::FileSpec& destination);
+
+    // Every mover asks `query` from now on; null asks the volume itself again. A full volume is
+    // not something a test can make without the rights to mount one.
+    static void SetFreeSpaceQuery(FreeSpaceQuery query);
 
     void Prepare() override {}
     void Run(ProgressDialog& runner) override;
@@ -77,6 +85,7 @@ public:
 
 private:
     void TakeReason();
+    static FreeSpaceQuery& GetFreeSpaceQuery();
 
     ProgressDialog* dialog = nullptr;
     loam::FileSpec source;

@@ -1,3 +1,4 @@
+#include "app/file_mover.h"
 #include "quilt/clock.h"
 #include "quilt/offscreen/offscreen_browse_dialog_imp.h"
 #include "sorvanta_window_run.h"
@@ -117,6 +118,7 @@ TEST_F(SorvantaOptionsTest, EveryOutcomeOfAMoveIsTalkedThrough) {
         bool closedWithOk;
         bool oldFileAfter;
         bool newFileAfter;
+        bool volumeFull = false; // the target's volume has 4 bytes free
     } cases[] = {
         {"an unchanged folder", true, false, "old", 0, {}, "old", true, true, false},
         {"a move", true, false, "new", 0, {}, "new", true, false, true},
@@ -154,6 +156,19 @@ TEST_F(SorvantaOptionsTest, EveryOutcomeOfAMoveIsTalkedThrough) {
          true,
          true,
          false},
+        {"a full volume, and Yes",
+         true,
+         false,
+         "new",
+         QuestionFirstButtonId,
+         {std::string(moveFailed) + "There is not enough space to store the index in the new "
+                                    "location - choose a different location instead.",
+          question},
+         "new",
+         true,
+         true,
+         false,
+         true},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -165,6 +180,13 @@ TEST_F(SorvantaOptionsTest, EveryOutcomeOfAMoveIsTalkedThrough) {
             MakeFile("old/sorvanta.idx", "the index");
         if (c.targetThere)
             MakeFile(movedFile, "in the way");
+        FileMover::SetFreeSpaceQuery(nullptr);
+        if (c.volumeFull) {
+            FileMover::SetFreeSpaceQuery([](const loam::FileSpec&, uint32_t& bytes) {
+                bytes = 4;
+                return true;
+            });
+        }
         StartWindow();
         Said said;
         InOptions([&](quilt::Dialog& options) {
@@ -183,6 +205,7 @@ TEST_F(SorvantaOptionsTest, EveryOutcomeOfAMoveIsTalkedThrough) {
         EXPECT_EQ(Exists(movedFile), c.newFileAfter);
         application.reset();
     }
+    FileMover::SetFreeSpaceQuery(nullptr);
     struct stat status {};
     MakeFile("old/sorvanta.idx", "the index");
     StoreIndexFolder("old");
