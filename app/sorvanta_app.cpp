@@ -5,6 +5,7 @@
 #include "app/resources/sorvanta_templates.h"
 #include "app/resources/string_table.h"
 #include "app/sorvanta_options.h"
+#include "app/sorvanta_window.h"
 #include "index/file_index_writer.h"
 #include "loam/error.h"
 #include "loam/preferences.h"
@@ -25,9 +26,6 @@ constexpr int32_t ExitCommand = 101;
 
 const char needsDisplayText[] =
     "sorvanta: the search window needs a display; run 'sorvanta /buildindex' to index this "
-    "machine's fixed disks and 'sorvanta-find PATTERN' to search the index\n";
-const char noSearchWindowText[] =
-    "sorvanta: this build has no search window yet; run 'sorvanta /buildindex' to index this "
     "machine's fixed disks and 'sorvanta-find PATTERN' to search the index\n";
 
 // The headless backend stands in because no display could be opened, not because it was asked
@@ -78,11 +76,15 @@ SorvantaApp::~SorvantaApp() {
     SetWriterAlertHandler(nullptr);
 }
 
-// The line is not parsed into arguments: the switch counts wherever it stands.
+// The line is not parsed into arguments: the switch counts wherever it stands. The search
+// window needs someone at a screen; the offscreen backend serves it only when asked for.
 std::unique_ptr<quilt::Dialog> SorvantaApp::CreateDialog() {
     if (GetCommandLine().Find(BuildIndexSwitch, nullptr, false)) {
         return std::make_unique<BuildIndexWindow>();
     }
-    std::fputs(IsDisplayMissing() ? needsDisplayText : noSearchWindowText, stderr);
-    return nullptr;
+    if (IsDisplayMissing()) {
+        std::fputs(needsDisplayText, stderr);
+        return nullptr;
+    }
+    return std::make_unique<SorvantaWindow>(*this);
 }

@@ -1,9 +1,11 @@
 #include "quilt/imp_factory.h"
 
 #include "quilt/offscreen/offscreen_application_imp.h"
+#include "quilt/offscreen/offscreen_browse_dialog_imp.h"
 #include "quilt/offscreen/offscreen_control_imps.h"
 #include "quilt/offscreen/offscreen_dialog_imp.h"
 #include "quilt/offscreen/offscreen_gc_imp.h"
+#include "quilt/offscreen/offscreen_list_imps.h"
 #include "quilt/offscreen/offscreen_window_imp.h"
 
 #include <cstdio>
@@ -25,6 +27,9 @@ struct BackendImps {
     std::unique_ptr<ButtonImp> (*button)();
     std::unique_ptr<SliderImp> (*slider)();
     std::unique_ptr<ProgressBarImp> (*progressBar)();
+    std::unique_ptr<ListBoxImp> (*listBox)();
+    std::unique_ptr<DropDownListImp> (*dropDownList)();
+    std::unique_ptr<BrowseDialogImp> (*browseDialog)();
     std::unique_ptr<GCImp> (*gc)();
     std::unique_ptr<RedrawGCImp> (*redrawGC)();
     std::unique_ptr<FontImp> (*font)();
@@ -52,6 +57,9 @@ constexpr BackendImps headlessImps{
     Make<ButtonImp, Offscreen_ButtonImp>,
     Make<SliderImp, Offscreen_SliderImp>,
     Make<ProgressBarImp, Offscreen_ProgressBarImp>,
+    Make<ListBoxImp, Offscreen_ListBoxImp>,
+    Make<DropDownListImp, Offscreen_DropDownListImp>,
+    Make<BrowseDialogImp, Offscreen_BrowseDialogImp>,
     Make<GCImp, Offscreen_GCImp>,
     Make<RedrawGCImp, Offscreen_RedrawGCImp>,
     Make<FontImp, Offscreen_FontImp>,
@@ -144,6 +152,18 @@ std::unique_ptr<SliderImp> ImpFactory::CreateSliderImp() {
 
 std::unique_ptr<ProgressBarImp> ImpFactory::CreateProgressBarImp() {
     return GetImps().progressBar();
+}
+
+std::unique_ptr<ListBoxImp> ImpFactory::CreateListBoxImp() {
+    return GetImps().listBox();
+}
+
+std::unique_ptr<DropDownListImp> ImpFactory::CreateDropDownListImp() {
+    return GetImps().dropDownList();
+}
+
+std::unique_ptr<BrowseDialogImp> ImpFactory::CreateBrowseDialogImp() {
+    return GetImps().browseDialog();
 }
 
 std::unique_ptr<GCImp> ImpFactory::CreateGCImp() {

@@ -5,12 +5,15 @@
 namespace quilt {
 
 class ApplicationImp;
+class BrowseDialogImp;
 class ButtonImp;
 class CheckBoxImp;
 class DialogImp;
+class DropDownListImp;
 class EditBoxImp;
 class FontImp;
 class GCImp;
+class ListBoxImp;
 class ProgressBarImp;
 class RedrawGCImp;
 class SliderImp;
@@ -45,6 +48,9 @@ public:
     std::unique_ptr<ButtonImp> CreateButtonImp();
     std::unique_ptr<SliderImp> CreateSliderImp();
     std::unique_ptr<ProgressBarImp> CreateProgressBarImp();
+    std::unique_ptr<ListBoxImp> CreateListBoxImp();
+    std::unique_ptr<DropDownListImp> CreateDropDownListImp();
+    std::unique_ptr<BrowseDialogImp> CreateBrowseDialogImp();
     std::unique_ptr<GCImp> CreateGCImp();
     std::unique_ptr<RedrawGCImp> CreateRedrawGCImp();
     std::unique_ptr<FontImp> CreateFontImp();

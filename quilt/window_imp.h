@@ -56,8 +56,19 @@ enum class ControlEvent : int32_t {
     FocusGained,
     FocusLost,
     TextUpdated, // an edit box's text changed, before it is shown
-    TextChanged, // an edit box's text changed, after it is shown
+    TextChanged, // an edit box's (or a drop-down list's field's) text changed, after it is shown
     Scrolled,    // a slider moved; the detail is a ScrollAction
+    // A list's selected row changed, by the user or by the program.
+    SelectionChanged,
+    // A row of a list was activated (double-clicked); the detail is the row, or ~0 for none.
+    ItemActivated,
+    // A list's column heading was clicked; the detail is the column.
+    ColumnClicked,
+    // A drop-down list's list opened or closed.
+    ListOpened,
+    ListClosed,
+    // The user chose a row of an open drop-down list, after its SelectionChanged.
+    SelectionEnded,
 };
 
 // How a slider moved.

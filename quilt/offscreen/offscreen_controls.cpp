@@ -3,34 +3,17 @@
 #include "quilt/dialog_imp.h"
 #include "quilt/dialog_template.h"
 #include "quilt/keys.h"
+#include "quilt/offscreen/offscreen_list_controls.h"
 
 #include <algorithm>
 
 namespace quilt {
 
-namespace {
-
-template <class Control> struct NativeRoute {
-    OffscreenMessageKind kind;
-    void (*handler)(Control&, const OffscreenMessage&);
-};
-
-// Runs the class's row for the message; false when the class has none.
-template <class Control, size_t Count>
-bool RouteNative(Control& control, const NativeRoute<Control> (&routes)[Count],
-                 const OffscreenMessage& message) {
-    for (const NativeRoute<Control>& route : routes) {
-        if (route.kind == message.kind) {
-            route.handler(control, message);
-            return true;
-        }
-    }
-    return false;
-}
-
 bool IsLeftButton(const OffscreenMessage& message) {
     return (message.flags & MouseLeft) != 0;
 }
+
+namespace {
 
 void TakeFocus(OffscreenWindow& control) {
     GetOffscreenDesktop().SetFocus(&control);
@@ -218,6 +201,8 @@ constexpr NativeClass nativeClasses[] = {
     {ControlKind::Edit, Make<OffscreenEdit>},
     {ControlKind::TrackBar, Make<OffscreenTrackBar>},
     {ControlKind::ProgressBar, Make<OffscreenProgressBar>},
+    {ControlKind::ListView, Make<OffscreenListView>},
+    {ControlKind::ComboBoxWithEdit, Make<OffscreenComboBox>},
 };
 
 } // namespace

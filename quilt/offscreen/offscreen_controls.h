@@ -4,6 +4,7 @@
 #include "quilt/colour.h"
 #include "quilt/offscreen/offscreen_desktop.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -12,6 +13,27 @@ namespace quilt {
 
 // Tells the control's parent window what happened to it.
 void NotifyParent(OffscreenWindow& control, ControlEvent event, uint32_t detail = 0);
+
+// One row of a control's table of what it does with a message itself.
+template <class Control> struct NativeRoute {
+    OffscreenMessageKind kind;
+    void (*handler)(Control&, const OffscreenMessage&);
+};
+
+// Runs the control's row for the message; false when the control has none.
+template <class Control, size_t Count>
+bool RouteNative(Control& control, const NativeRoute<Control> (&routes)[Count],
+                 const OffscreenMessage& message) {
+    for (const NativeRoute<Control>& route : routes) {
+        if (route.kind == message.kind) {
+            route.handler(control, message);
+            return true;
+        }
+    }
+    return false;
+}
+
+bool IsLeftButton(const OffscreenMessage& message);
 
 // A push button, check box or group box, by its style.
 struct OffscreenButton : OffscreenWindow {

@@ -3,6 +3,7 @@
 #include "quilt/application.h"
 #include "quilt/dialog.h"
 #include "quilt/keys.h"
+#include "quilt/offscreen/offscreen_browse_dialog_imp.h"
 #include "quilt/offscreen/offscreen_controls.h"
 #include "quilt/offscreen/offscreen_dialog_imp.h"
 #include "quilt/offscreen/offscreen_window_imp.h"
@@ -35,9 +36,12 @@ OffscreenDriver::OffscreenDriver(uint32_t startTime)
     SetClock(&clock);
     desktop.SetAttended(true);
     desktop.SetModalHook([this](OffscreenWindow& window) { OnModal(window); });
+    Offscreen_BrowseDialogImp::SetAnswerer(
+        [this](Offscreen_BrowseDialogImp& chooser) { return AnswerFolderChoice(chooser); });
 }
 
 OffscreenDriver::~OffscreenDriver() {
+    Offscreen_BrowseDialogImp::SetAnswerer({});
     desktop.SetModalHook({});
     desktop.Reset();
     SetClock(nullptr);

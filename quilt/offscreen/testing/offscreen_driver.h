@@ -9,10 +9,12 @@
 #include <deque>
 #include <functional>
 #include <optional>
+#include <vector>
 
 namespace quilt {
 
 class Dialog;
+class Offscreen_BrowseDialogImp;
 class Window;
 
 // Drives the offscreen backend in a test, on a virtual clock: posts what a user does, runs the
@@ -126,6 +128,32 @@ public:
     // The id of the control that has the focus, -1 when none in the dialog has.
     int32_t GetFocusId(Dialog& dialog) const;
 
+    // A list view: what the user clicks, scrolling a row into view first, and what it shows.
+    void ClickColumnHeader(Dialog& dialog, int32_t id, int32_t column,
+                           std::optional<uint32_t> at = {});
+    void ClickRow(Dialog& dialog, int32_t id, int32_t row, std::optional<uint32_t> at = {});
+    void DoubleClickRow(Dialog& dialog, int32_t id, int32_t row, std::optional<uint32_t> at = {});
+    int32_t GetRowCount(Dialog& dialog, int32_t id) const;
+    loam::String GetCellText(Dialog& dialog, int32_t id, int32_t row, int32_t column) const;
+    // -1 when no row is selected.
+    int32_t GetSelectedRow(Dialog& dialog, int32_t id) const;
+    loam::String GetColumnName(Dialog& dialog, int32_t id, int32_t column) const;
+    int32_t GetColumnWidth(Dialog& dialog, int32_t id, int32_t column) const;
+
+    // A drop-down list: a press on its arrow opens or closes it; a row of the open list is
+    // chosen by a press on it.
+    void ToggleDropDown(Dialog& dialog, int32_t id, std::optional<uint32_t> at = {});
+    void ChooseDropDownRow(Dialog& dialog, int32_t id, int32_t row,
+                           std::optional<uint32_t> at = {});
+    // The rows of the native list, as the user sees them when it is open.
+    std::vector<loam::String> GetDropDownRows(Dialog& dialog, int32_t id) const;
+
+    using FolderAnswer = std::function<std::optional<loam::String>(Offscreen_BrowseDialogImp&)>;
+    // Answers the next folder chooser, in the order they come up: `answer` may select folders
+    // and read the status line, and gives the folder chosen, or none to cancel. A chooser with
+    // no answer waiting is cancelled.
+    void OnNextFolderChoice(FolderAnswer answer);
+
 private:
     enum class RunEnd { Rest, Condition, Limit };
 
@@ -135,14 +163,18 @@ private:
                  std::optional<uint32_t> at);
     void PostMouse(Window& window, OffscreenMessageKind kind, uint32_t flags, Point point,
                    std::optional<uint32_t> at);
+    void PostMouseToControl(Dialog& dialog, int32_t id, OffscreenMessageKind kind, Point point,
+                            std::optional<uint32_t> at);
 
     void PostToControl(Dialog& dialog, int32_t id, OffscreenMessage message,
                        std::optional<uint32_t> at);
     void OnModal(OffscreenWindow& window);
+    std::optional<loam::String> AnswerFolderChoice(Offscreen_BrowseDialogImp& chooser);
 
     VirtualClock clock;
     OffscreenDesktop& desktop;
     std::deque<std::function<void(Dialog&)>> modalActions;
+    std::deque<FolderAnswer> folderAnswers;
 };
 
 } // namespace quilt
