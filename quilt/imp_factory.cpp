@@ -13,9 +13,28 @@ namespace quilt {
 
 namespace {
 
-// The desktop backend is not part of this build, so every request falls back to offscreen.
-bool IsDesktopAvailable() {
-    return false;
+constexpr BackendImps offscreenImps{
+    MakeImp<ApplicationImp, Offscreen_ApplicationImp>,
+    MakeImp<WindowImp, Offscreen_WindowImp>,
+    MakeImp<DialogImp, Offscreen_DialogImp>,
+    MakeImp<EditBoxImp, Offscreen_EditBoxImp>,
+    MakeImp<CheckBoxImp, Offscreen_CheckBoxImp>,
+    MakeImp<ButtonImp, Offscreen_ButtonImp>,
+    MakeImp<SliderImp, Offscreen_SliderImp>,
+    MakeImp<ProgressBarImp, Offscreen_ProgressBarImp>,
+    MakeImp<GCImp, Offscreen_GCImp>,
+    MakeImp<RedrawGCImp, Offscreen_RedrawGCImp>,
+    MakeImp<FontImp, Offscreen_FontImp>,
+};
+
+const BackendImps* desktopImps = nullptr;
+bool (*openDesktopDisplay)() = nullptr;
+
+// Asks the desktop only when it may be chosen, so that a run asked to be headless never
+// touches a display.
+bool IsDesktopAvailable(const char* requested) {
+    bool headless = requested != nullptr && std::strcmp(requested, "offscreen") == 0;
+    return !headless && desktopImps != nullptr && openDesktopDisplay();
 }
 
 } // namespace
@@ -29,54 +48,64 @@ Backend ChooseBackend(const char* requested, bool desktopAvailable) {
 
 Backend ImpFactory::GetBackend() {
     if (!chosen) {
-        backend = ChooseBackend(std::getenv("QUILT_PLATFORM"), IsDesktopAvailable());
+        const char* requested = std::getenv("QUILT_PLATFORM");
+        backend = ChooseBackend(requested, IsDesktopAvailable(requested));
         chosen = true;
     }
     return backend;
 }
 
 std::unique_ptr<ApplicationImp> ImpFactory::CreateApplicationImp() {
-    return std::make_unique<Offscreen_ApplicationImp>();
+    return GetImps().application();
 }
 
 std::unique_ptr<WindowImp> ImpFactory::CreateWindowImp() {
-    return std::make_unique<Offscreen_WindowImp>();
+    return GetImps().window();
 }
 
 std::unique_ptr<DialogImp> ImpFactory::CreateDialogImp() {
-    return std::make_unique<Offscreen_DialogImp>();
+    return GetImps().dialog();
 }
 
 std::unique_ptr<EditBoxImp> ImpFactory::CreateEditBoxImp() {
-    return std::make_unique<Offscreen_EditBoxImp>();
+    return GetImps().editBox();
 }
 
 std::unique_ptr<CheckBoxImp> ImpFactory::CreateCheckBoxImp() {
-    return std::make_unique<Offscreen_CheckBoxImp>();
+    return GetImps().checkBox();
 }
 
 std::unique_ptr<ButtonImp> ImpFactory::CreateButtonImp() {
-    return std::make_unique<Offscreen_ButtonImp>();
+    return GetImps().button();
 }
 
 std::unique_ptr<SliderImp> ImpFactory::CreateSliderImp() {
-    return std::make_unique<Offscreen_SliderImp>();
+    return GetImps().slider();
 }
 
 std::unique_ptr<ProgressBarImp> ImpFactory::CreateProgressBarImp() {
-    return std::make_unique<Offscreen_ProgressBarImp>();
+    return GetImps().progressBar();
 }
 
 std::unique_ptr<GCImp> ImpFactory::CreateGCImp() {
-    return std::make_unique<Offscreen_GCImp>();
+    return GetImps().gc();
 }
 
 std::unique_ptr<RedrawGCImp> ImpFactory::CreateRedrawGCImp() {
-    return std::make_unique<Offscreen_RedrawGCImp>();
+    return GetImps().redrawGC();
 }
 
 std::unique_ptr<FontImp> ImpFactory::CreateFontImp() {
-    return std::make_unique<Offscreen_FontImp>();
+    return GetImps().font();
+}
+
+const BackendImps& ImpFactory::GetImps() {
+    return GetBackend() == Backend::Gtk ? *desktopImps : offscreenImps;
+}
+
+void InstallDesktopBackend(const BackendImps& imps, bool (*openDisplay)()) {
+    desktopImps = &imps;
+    openDesktopDisplay = openDisplay;
 }
 
 ImpFactory& GetImpFactory() {

@@ -25,6 +25,25 @@ enum class Backend {
 // the desktop backend is built and can open a display.
 Backend ChooseBackend(const char* requested, bool desktopAvailable);
 
+// What one backend makes.
+struct BackendImps {
+    std::unique_ptr<ApplicationImp> (*application)();
+    std::unique_ptr<WindowImp> (*window)();
+    std::unique_ptr<DialogImp> (*dialog)();
+    std::unique_ptr<EditBoxImp> (*editBox)();
+    std::unique_ptr<CheckBoxImp> (*checkBox)();
+    std::unique_ptr<ButtonImp> (*button)();
+    std::unique_ptr<SliderImp> (*slider)();
+    std::unique_ptr<ProgressBarImp> (*progressBar)();
+    std::unique_ptr<GCImp> (*gc)();
+    std::unique_ptr<RedrawGCImp> (*redrawGC)();
+    std::unique_ptr<FontImp> (*font)();
+};
+
+template <class Abstract, class Platform> std::unique_ptr<Abstract> MakeImp() {
+    return std::make_unique<Platform>();
+}
+
 // The one place that names a platform's Imp classes. Each operation gives up the new object to
 // the caller.
 class ImpFactory {
@@ -45,10 +64,19 @@ public:
     std::unique_ptr<FontImp> CreateFontImp();
 
 private:
+    const BackendImps& GetImps();
+
     bool chosen = false;
     Backend backend = Backend::Offscreen;
 };
 
 ImpFactory& GetImpFactory();
+
+// The desktop backend, which the program's entry installs before anything is made; a process
+// that doesn't (the test programs, the command-line finder) has the headless one alone.
+// `openDisplay` answers whether a display opens.
+void InstallDesktopBackend(const BackendImps& imps, bool (*openDisplay)());
+// Defined by the desktop half of the factory, in quilt/gtk.
+void InstallGtkBackend();
 
 } // namespace quilt
