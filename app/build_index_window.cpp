@@ -33,7 +33,7 @@ void BuildIndexWindow::OnCancel() {
     Dialog::OnCancel();
 }
 
-// Opening the file empties it: from here on the previous index is gone.
+// From here on the index file's name holds the new, unfinished index: the previous one is gone.
 void BuildIndexWindow::StartBuild() {
     // The ticks go on under the report of a failed attempt; one report at a time.
     if (loam::GetErrorState().IsReporting()) {
@@ -42,7 +42,8 @@ void BuildIndexWindow::StartBuild() {
     if (indexFile == nullptr) {
         indexFile = std::make_unique<loam::DiskFile>();
     }
-    if (!indexFile->OpenFile(SorvantaApp::GetIndexFile(), loam::FileModeWrite)) {
+    writer = BinaryFileIndexWriter::Begin(*indexFile, SorvantaApp::GetIndexFile());
+    if (writer == nullptr) {
         loam::ReportError();
         // Nobody could fix the cause and the ticks would report it for ever.
         if (!GetDialogImp()->IsUserPresent()) {
@@ -50,7 +51,6 @@ void BuildIndexWindow::StartBuild() {
         }
         return;
     }
-    writer = std::make_unique<BinaryFileIndexWriter>(indexFile.get());
     builder = std::make_unique<VolumeIndexBuilder>(nullptr);
     builder->Start(writer.get());
 }

@@ -1,5 +1,7 @@
 #include "index/file_index_writer.h"
 
+#include "loam/disk_file.h"
+
 #include <cstdio>
 #include <cstring>
 
@@ -23,6 +25,16 @@ WriterAlertHandler SetWriterAlertHandler(WriterAlertHandler handler) {
 
 BinaryFileIndexWriter::BinaryFileIndexWriter(loam::File* file) : file(file) {
     WriteHeader();
+}
+
+std::unique_ptr<BinaryFileIndexWriter>
+BinaryFileIndexWriter::Begin(loam::DiskFile& file, const loam::FileSpec& location) {
+    if (!file.CreateBeside(location))
+        return nullptr;
+    auto writer = std::make_unique<BinaryFileIndexWriter>(&file);
+    if (!file.PutInPlace())
+        return nullptr;
+    return writer;
 }
 
 BinaryFileIndexWriter::~BinaryFileIndexWriter() {

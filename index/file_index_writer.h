@@ -8,6 +8,11 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
+
+namespace loam {
+class DiskFile;
+}
 
 // What a walk hands its entries to, so that the walk does not know the file's format.
 // Paths are full paths; a folder is added before anything below it.
@@ -36,6 +41,13 @@ class BinaryFileIndexWriter : public FileIndexWriter {
 public:
     // The file is open for writing at its start; it is closed here but not deleted.
     explicit BinaryFileIndexWriter(loam::File* file);
+    // Starts the index file of a build at `location`: a new file, made beside the name, takes
+    // the name's place as soon as its unfinished header is on the disk. So the name holds a
+    // loadable index at every moment, the old one until here and the unfinished one from here
+    // until Finish seals it, and a reader of the old one keeps it whole. Null, with the error
+    // raised and the new file removed, when it cannot be made.
+    static std::unique_ptr<BinaryFileIndexWriter> Begin(loam::DiskFile& file,
+                                                        const loam::FileSpec& location);
     BinaryFileIndexWriter(const BinaryFileIndexWriter&) = delete;
     BinaryFileIndexWriter& operator=(const BinaryFileIndexWriter&) = delete;
     ~BinaryFileIndexWriter() override;

@@ -16,7 +16,12 @@
 // A walk stays in the file system of its root: a folder of another one is written as an empty
 // folder. It passes over the roots of other walks, which add those folders themselves, and a
 // folder whose name the index cannot hold, with everything below it. A symbolic link is a file
-// and is never followed.
+// and is never followed. Paths of any length are walked, and the walk holds two descriptors
+// however deep it goes.
+//
+// Its memory grows with the depth of the tree and with the names still to come in the folders
+// of the chain above the one under walk (each of those is read whole when the walk goes down
+// from it); never with the size of the disk. The path under walk is kept once, not per level.
 class FolderWalker {
 public:
     // Writes the folder's record at once: a walker with nothing above is a root. `walkRoots`,
@@ -40,21 +45,25 @@ private:
     struct Shared {
         uint64_t device = 0;
         const std::vector<loam::String>* walkRoots = nullptr;
+        // The path of the deepest walker; each walker knows how much of it is its own.
+        loam::FileSpec folder;
         // The entry under look, reused for every entry so that a file costs no allocation.
         loam::FileSpec entry;
         loam::FolderEntryInfo info;
     };
 
-    // A sub-folder, with what the iterator above told of it.
-    FolderWalker(FolderWalker& above, const loam::FileSpec& path,
-                 const loam::FolderEntryInfo& info);
+    // A sub-folder `name` of `above`, whose path is the shared entry.
+    FolderWalker(FolderWalker& above, const char* name, const loam::FolderEntryInfo& info);
 
-    void OpenFolder();
+    FolderWalker* GetDeepest();
+    // Takes a finished sub-folder's walk off the chain and goes on with this folder.
+    void EndChild();
     bool IsPassedOver(const loam::FileSpec& folder) const;
     bool IsWalkRoot(const loam::String& folder) const;
 
     FileIndexWriter* writer;
-    loam::FileSpec path;
+    FolderWalker* above;
+    int32_t pathLength;
     // The root of a walk owns what its walkers share.
     std::unique_ptr<Shared> ownShared;
     Shared* shared;

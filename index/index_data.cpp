@@ -3,6 +3,7 @@
 #include "loam/disk_file.h"
 #include "loam/error.h"
 
+#include <cstring>
 #include <vector>
 
 namespace {
@@ -85,7 +86,7 @@ bool IndexData::Load(loam::FileSpec indexFile, IndexSource source) {
         return Fail(loam::ErrorGeneral, emptyText);
     if (size > MaxImageSize)
         return Fail(loam::ErrorGeneral, cannotLoadText);
-    if (source == IndexSource::View && mapping.Open(indexFile, MaxImageSize, cannotLoadText))
+    if (source == IndexSource::View && mapping.Open(indexFile, MaxImageSize))
         return TakeImage(mapping.GetData(), mapping.GetSize());
     auto bytes = AllocateLargeArray<char>(size);
     if (!bytes)
@@ -112,8 +113,8 @@ bool IndexData::TakeImage(const char* bytes, uint32_t imageSize) {
     if (!image || imageSize < sizeof(IndexFileHeader) || imageSize > MaxImageSize) {
         Fail(loam::ErrorGeneral, notUnderstoodText);
     } else {
-        header = reinterpret_cast<const IndexFileHeader*>(image);
-        if (header->version > IndexFormatVersion)
+        std::memcpy(&header, image, sizeof header);
+        if (header.version > IndexFormatVersion)
             Fail(loam::ErrorGeneral, newerVersionText);
         else
             loaded =
@@ -129,7 +130,7 @@ void IndexData::Release() {
     buffer.reset();
     mapping.Close();
     image = nullptr;
-    header = nullptr;
+    header = IndexFileHeader{};
     bufferSize = 0;
     records.reset();
     fileCount = 0;
@@ -148,7 +149,7 @@ bool IndexData::BuildTables(const char* firstRecord, uint32_t bytes) {
     totalSize = 0;
     if (!image)
         return Fail(loam::ErrorWrongState, internalFaultText);
-    const int32_t count = header->recordCount;
+    const int32_t count = header.recordCount;
     if (count < 0 || static_cast<uint32_t>(count) > bytes / MinRecordSize)
         return Fail(loam::ErrorGeneral, notUnderstoodText);
     records = AllocateLargeArray<const IndexRecord*>(count);
@@ -244,9 +245,10 @@ loam::String IndexData::GetDumpLine(const IndexRecord* record) const {
     return line;
 }
 
+// The dump takes its name's place only once it is whole.
 void IndexData::DumpToText(const loam::FileSpec& textFile) const {
     loam::DiskFile file;
-    if (!file.OpenFile(textFile, loam::FileModeWrite)) {
+    if (!file.CreateBeside(textFile)) {
         loam::ClearErrors();
         return;
     }
@@ -256,5 +258,6 @@ void IndexData::DumpToText(const loam::FileSpec& textFile) const {
             return;
         }
     }
-    file.Close();
+    if (!file.PutInPlace())
+        loam::ClearErrors();
 }

@@ -13,9 +13,10 @@ namespace quilt {
 class Window;
 }
 
-// Where a loaded index's bytes come from: a copy read into memory of the program's own, which
-// stays whatever becomes of the file, or, for a short-lived reader, a view of the file itself
-// held by a lease (read after all where none can be had), which spares the copy.
+// Where a loaded index's bytes come from: a copy read into memory of the program's own, or, for
+// a short-lived reader, a view of the file itself (read after all where it cannot be mapped),
+// which spares the copy. Either stays whatever becomes of the file: a build puts a new file in
+// its place and never writes into one it did not make.
 enum class IndexSource { Read, View };
 
 // A loaded index file: the file's bytes in one buffer, a table of pointers to its records, and
@@ -38,10 +39,10 @@ public:
                 quilt::Window* parent);
 
     // The record table, in file order. Every ordinal below GetRecordCount is valid.
-    int32_t GetRecordCount() const { return header ? header->recordCount : 0; }
+    int32_t GetRecordCount() const { return header.recordCount; }
     const IndexRecord* const* GetRecords() const { return records.get(); }
     const IndexRecord* GetRecord(int32_t ordinal) const { return records[ordinal]; }
-    const IndexFileHeader* GetHeader() const { return header; }
+    const IndexFileHeader* GetHeader() const { return image ? &header : nullptr; }
 
     uint32_t GetFileCount() const { return fileCount; }
     uint32_t GetFolderCount() const { return folderCount; }
@@ -76,7 +77,9 @@ private:
     LargeArray<char> buffer;
     loam::FileMapping mapping;
     const char* image = nullptr;
-    const IndexFileHeader* header = nullptr;
+    // The header as loaded: the file of a build under way, seen through a view, gets its
+    // header rewritten when the build ends, and its records must not be counted again.
+    IndexFileHeader header{};
     uint32_t bufferSize = 0;
     LargeArray<const IndexRecord*> records;
     uint32_t fileCount = 0;

@@ -4,8 +4,10 @@
 
 #include <cerrno>
 #include <climits>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -53,13 +55,9 @@ int CloseWithError(int descriptor, int error) {
 }
 
 // Opens without waiting on a FIFO or a device, then makes the descriptor blocking as a stream
-// expects. A folder is refused, as no byte stream can be read from it. A file that a reader holds
-// by a lease refuses a writer that will not wait; the reader lets go at once when asked, so the
-// writer then waits for it.
+// expects. A folder is refused, as no byte stream can be read from it.
 int OpenDescriptor(const char* path, char letter) {
-    int descriptor = ::open(path, GetOpenFlags(letter), createdFileMode);
-    if (descriptor < 0 && errno == EWOULDBLOCK)
-        descriptor = ::open(path, GetOpenFlags(letter) & ~O_NONBLOCK, createdFileMode);
+    const int descriptor = ::open(path, GetOpenFlags(letter), createdFileMode);
     if (descriptor < 0)
         return -1;
     struct stat status {};
@@ -71,6 +69,19 @@ int OpenDescriptor(const char* path, char letter) {
     if (flags < 0 || ::fcntl(descriptor, F_SETFL, flags & ~O_NONBLOCK) != 0)
         return CloseWithError(descriptor, errno);
     return descriptor;
+}
+
+// A device, a pipe or a socket at the name is written into, not replaced. A link to one is
+// followed only when it is the user's own or the system's (/dev/stdout): one that someone else
+// planted is replaced like any other.
+bool IsStreamName(const char* path) {
+    struct stat name {
+    }, target{};
+    if (::lstat(path, &name) != 0 || ::stat(path, &target) != 0)
+        return false;
+    if (S_ISREG(target.st_mode) || S_ISDIR(target.st_mode))
+        return false;
+    return !S_ISLNK(name.st_mode) || name.st_uid == 0 || name.st_uid == ::geteuid();
 }
 
 // Grows the line by doubling, so that a very long line costs linear time.
@@ -132,11 +143,44 @@ bool DiskFile::Open(uint32_t mode) {
         OpenDescriptor(fileSpec.GetPath().GetCString(), modeText.GetCString()[0]);
     if (descriptor < 0)
         return RaiseCannotOpen(fileSpec, errno);
-    stream = ::fdopen(descriptor, modeText.GetCString());
-    if (!stream) {
-        CloseWithError(descriptor, errno);
+    return OpenStream(descriptor, modeText.GetCString());
+}
+
+bool DiskFile::OpenStream(int descriptor, const char* mode) {
+    stream = ::fdopen(descriptor, mode);
+    if (stream)
+        return true;
+    const int error = errno;
+    ::close(descriptor);
+    if (!besideName.IsEmpty())
+        ::unlink(besideName.GetCString());
+    besideName.Clear();
+    return RaiseCannotOpen(fileSpec, error);
+}
+
+bool DiskFile::CreateBeside(const FileSpec& location) {
+    if (!SetFileSpec(location))
+        return false;
+    const char* path = fileSpec.GetPath().GetCString();
+    if (IsStreamName(path))
+        return Open(FileModeWrite);
+    std::string name = std::string(path) + ".XXXXXX";
+    // Exclusive creation never follows a link and makes the file 0600 whatever was there.
+    const int descriptor = ::mkostemp(name.data(), O_CLOEXEC);
+    if (descriptor < 0)
         return RaiseCannotOpen(fileSpec, errno);
-    }
+    besideName = name.c_str();
+    return OpenStream(descriptor, "wb");
+}
+
+bool DiskFile::PutInPlace() {
+    if (!Flush())
+        return false;
+    if (besideName.IsEmpty())
+        return true;
+    if (::rename(besideName.GetCString(), fileSpec.GetPath().GetCString()) != 0)
+        return RaiseCannotOpen(fileSpec, errno);
+    besideName.Clear();
     return true;
 }
 
@@ -145,6 +189,10 @@ void DiskFile::Close() {
         return;
     std::fclose(stream);
     stream = nullptr;
+    // A new file that never took its name's place is of no use to anyone.
+    if (!besideName.IsEmpty())
+        ::unlink(besideName.GetCString());
+    besideName.Clear();
 }
 
 bool DiskFile::Read(void* buffer, uint32_t size, uint32_t* count) {

@@ -161,21 +161,11 @@ bool FileSpec::Copy(const FileSpec& destination, bool createFolders,
         !parent.CreateFolderTree(handler)) {
         return false;
     }
+    // The copy takes the destination's name only once it is whole: a link planted there is
+    // replaced, not followed, and a failed copy leaves nothing half written behind.
     DiskFile target;
-    if (!target.OpenFile(destination, FileModeWrite))
-        return false;
-    if (CopyContent(source, target, handler) && target.Flush())
-        return true;
-
-    source.Close();
-    target.Close();
-    // The partial destination goes; the copy's own failure stays on top of the stack, and a
-    // failure to delete is dropped with the stack it was raised on.
-    ErrorStateStack& errors = GetErrorState();
-    errors.SaveState();
-    destination.Delete();
-    errors.RestoreState();
-    return false;
+    return target.CreateBeside(destination) && CopyContent(source, target, handler) &&
+           target.PutInPlace();
 }
 
 } // namespace loam

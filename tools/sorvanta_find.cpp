@@ -100,8 +100,8 @@ int FailWithTopError() {
 }
 
 int FailUsage() {
-    std::fprintf(stderr, "Usage: %s [OPTION]... PATTERN\nTry '%s --help' for more information.\n",
-                 ProgramName, ProgramName);
+    std::fprintf(stderr, "%s: Usage: %s [OPTION]... PATTERN\n", ProgramName, ProgramName);
+    std::fprintf(stderr, "%s: Try '%s --help' for more information.\n", ProgramName, ProgramName);
     return ExitError;
 }
 
@@ -296,7 +296,7 @@ int DumpToStandardOutput(const IndexData& index) {
 }
 
 // The same lines as the index's own dump, but a file that cannot be made or filled, a full disk
-// above all, is told in the system's words rather than left half written in silence.
+// above all, is told in the system's words; the file takes its name only once it is whole.
 int RunDump(const Request& request) {
     IndexData index;
     if (!LoadIndex(index, GetIndexFile(request)))
@@ -304,13 +304,13 @@ int RunDump(const Request& request) {
     if (std::strcmp(request.dumpFile, "-") == 0)
         return DumpToStandardOutput(index);
     loam::DiskFile file;
-    if (!file.OpenFile(loam::FileSpec(request.dumpFile), loam::FileModeWrite))
+    if (!file.CreateBeside(loam::FileSpec(request.dumpFile)))
         return FailWithTopError();
     for (int32_t ordinal = 0; ordinal < index.GetRecordCount(); ++ordinal) {
         if (!file.WriteLine(index.GetDumpLine(index.GetRecord(ordinal))))
             return FailWithTopError();
     }
-    return file.Flush() ? ExitMatched : FailWithTopError();
+    return file.PutInPlace() ? ExitMatched : FailWithTopError();
 }
 
 int RunHelp(const Request&) {

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <dirent.h>
 #include <fcntl.h>
 #include <glib.h>
 #include <memory>
@@ -241,16 +242,98 @@ bool ReadStoreBytes(const String& path, std::string& out) {
     return true;
 }
 
-// The file as it stands; a missing, unreadable or damaged file is an empty store.
-KeyFilePtr LoadStore(const String& path) {
+bool IsAcceptedText(GKeyFile* probe, const std::string& text) {
+    return g_key_file_load_from_data(probe, text.data(), text.size(), G_KEY_FILE_NONE, nullptr);
+}
+
+bool IsGroupLine(const std::string& line) {
+    const size_t first = line.find_first_not_of(" \t\r\f\v");
+    return first != std::string::npos && line[first] == '[';
+}
+
+// The key file refuses a whole file for one line that it cannot read. Each line is tried here
+// alone, in its own shape: a group line by itself, any other line under a group. A refused
+// line is dropped; the values under a refused group line go with it, as they would otherwise
+// land in the group above.
+std::string KeepReadableLines(const std::string& bytes) {
+    const KeyFilePtr probe(g_key_file_new());
+    std::string kept;
+    bool inGroup = false;
+    for (size_t start = 0; start < bytes.size();) {
+        size_t end = bytes.find('\n', start);
+        end = end == std::string::npos ? bytes.size() : end + 1;
+        std::string line = bytes.substr(start, end - start);
+        start = end;
+        if (line.back() != '\n')
+            line += '\n';
+        const bool isGroup = IsGroupLine(line);
+        if (isGroup)
+            inGroup = IsAcceptedText(probe.get(), line);
+        if (inGroup && (isGroup || IsAcceptedText(probe.get(), "[General]\n" + line)))
+            kept += line;
+    }
+    return kept;
+}
+
+// The file as it stands, as far as it can be read: a damaged line costs that line, at most its
+// group. `clean` tells whether the file was read whole, or was not there at all.
+KeyFilePtr LoadStore(const String& path, bool& clean) {
     KeyFilePtr store(g_key_file_new());
     std::string bytes;
-    if (!ReadStoreBytes(path, bytes))
+    if (!ReadStoreBytes(path, bytes)) {
+        struct stat status;
+        clean = ::lstat(path.GetCString(), &status) != 0 && errno == ENOENT;
         return store;
-    if (!g_key_file_load_from_data(store.get(), bytes.data(), bytes.size(), G_KEY_FILE_NONE,
-                                   nullptr))
+    }
+    clean = IsAcceptedText(store.get(), bytes);
+    if (!clean && !IsAcceptedText(store.get(), KeepReadableLines(bytes)))
         store.reset(g_key_file_new());
     return store;
+}
+
+KeyFilePtr LoadStore(const String& path) {
+    bool clean = false;
+    return LoadStore(path, clean);
+}
+
+// A file that was not read whole is kept beside as it was, before a write replaces it, so that
+// nothing written there by hand is lost without a trace.
+void KeepOriginal(const String& path) {
+    const String kept = path + ".bad";
+    ::unlink(kept.GetCString());
+    ::link(path.GetCString(), kept.GetCString());
+}
+
+// The key file's writes go through a temporary file of this name and six letters or digits;
+// one that a killed write left behind is removed by the next write, under the lock.
+bool IsStaleWrite(const char* name, const String& storeName) {
+    const size_t length = static_cast<size_t>(storeName.GetLength());
+    if (std::strncmp(name, storeName.GetCString(), length) != 0 || name[length] != '.')
+        return false;
+    const char* suffix = name + length + 1;
+    if (std::strlen(suffix) != 6)
+        return false;
+    for (const char* at = suffix; *at; ++at) {
+        if (!g_ascii_isalnum(*at))
+            return false;
+    }
+    return true;
+}
+
+void RemoveStaleWrites(const String& folder, const String& storeName) {
+    const FileDescriptor descriptor(
+        ::open(folder.GetCString(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
+    DIR* listing = descriptor.IsOpen() ? ::fdopendir(::dup(descriptor.Get())) : nullptr;
+    if (!listing)
+        return;
+    while (const dirent* entry = ::readdir(listing)) {
+        struct stat status;
+        if (IsStaleWrite(entry->d_name, storeName) &&
+            ::fstatat(descriptor.Get(), entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+            S_ISREG(status.st_mode))
+            ::unlinkat(descriptor.Get(), entry->d_name, 0);
+    }
+    ::closedir(listing);
 }
 
 // Durable also fsyncs the folder, so the new name is on disk when this returns.
@@ -297,7 +380,11 @@ bool WriteValue(const PreferencesImp& imp, const String& name, Setter setValue) 
     const StoreLock lock(file + ".lock");
     if (!lock.IsHeld())
         return false;
-    const KeyFilePtr store = LoadStore(file);
+    RemoveStaleWrites(folder, GetPreferenceProduct() + String(".conf"));
+    bool clean = false;
+    const KeyFilePtr store = LoadStore(file, clean);
+    if (!clean)
+        KeepOriginal(file);
     const String group = GetStoredGroup(store.get(), path);
     const String key = GetStoredKey(store.get(), group, name);
     setValue(store.get(), group.GetCString(), key.GetCString());

@@ -7,7 +7,10 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
 #include <string>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -61,6 +64,39 @@ TEST_F(BuildIndexWindowTest, QuitDuringABuildLeavesAnUnfinishedIndex) {
     EXPECT_EQ(ReadWhole(indexName).substr(0, 12), std::string("\1\0\0\0\1\0\0\0\0\0\0\0", 12));
 }
 
+// What stands at the index's name is replaced by a private file of the build's own: a link
+// planted there is never followed, and a file open to all does not pass on its mode.
+TEST_F(BuildIndexWindowTest, TheIndexIsANewPrivateFileWhateverStoodAtItsName) {
+    MakeFiles("tree", 2);
+    MakeFiles("data/Wendlemark/Sorvanta", 0);
+    MakeFile("victim", "the user's own file");
+    chmod(Path("victim").c_str(), 0644);
+    const std::pair<const char*, std::function<void()>> cases[] = {
+        {"a link to a file of the user's",
+         [this] { symlink(Path("victim").c_str(), Path(indexName).c_str()); }},
+        {"an index open to all",
+         [this] {
+             MakeFile(indexName, "an earlier index");
+             chmod(Path(indexName).c_str(), 0644);
+         }},
+    };
+    for (const auto& [what, plant] : cases) {
+        SCOPED_TRACE(what);
+        std::filesystem::remove(Path(indexName));
+        plant();
+        ASSERT_TRUE(Start("/buildindex"));
+        EXPECT_TRUE(driver.RunUntilIdle());
+        application.reset();
+        EXPECT_EQ(ReadWhole("victim"), "the user's own file");
+        struct stat status {};
+        ASSERT_EQ(lstat(Path(indexName).c_str(), &status), 0);
+        EXPECT_TRUE(S_ISREG(status.st_mode));
+        EXPECT_EQ(status.st_mode & 0777, 0600u);
+        EXPECT_EQ(State(), IndexFileState::Good);
+        EXPECT_EQ(LoadedRecords(), 3);
+    }
+}
+
 // With someone at the screen the ticks go on under the report: none of them tries again until
 // the report is dismissed, and a later attempt can still succeed.
 TEST_F(BuildIndexWindowTest, AFailedOpenIsNotTriedAgainWhileItsReportIsUp) {
@@ -91,7 +127,7 @@ TEST_F(SorvantaFolderTest, AHeadlessRunReportsAFailedOpenOnceAndEnds) {
     MakeFile("blocked", "");
     StoreIndexFolder("blocked/index");
     loam::DiskFile probe;
-    ASSERT_FALSE(probe.OpenFile(FileAt("blocked/index/sorvanta.idx"), loam::FileModeWrite));
+    ASSERT_FALSE(probe.CreateBeside(FileAt("blocked/index/sorvanta.idx")));
     const std::string message = loam::GetCurrentErrorInfo().GetMessage().GetCString();
     loam::ClearErrors();
 

@@ -2,6 +2,8 @@
 
 #include "walk_fixture.h"
 
+#include <cstdlib>
+#include <fcntl.h>
 #include <iostream>
 #include <sched.h>
 #include <sys/mount.h>
@@ -143,6 +145,41 @@ TEST_F(FolderWalkerTest, ATreeDeeperThanTheDescriptorLimitIsWalkedWhole) {
         return Differs(writer.entries, expected) | !finished | !writer.orphans.empty();
     });
     EXPECT_EQ(result, 0);
+}
+
+// Folders deeper than the system takes a path for are walked through their ancestors'
+// descriptors: the bottom file of a 2,600-deep chain, its path over 5,000 bytes, is indexed.
+TEST_F(FolderWalkerTest, APathLongerThanTheSystemTakesIsWalked) {
+    constexpr int depth = 2600;
+    int folder = open(tree.c_str(), O_RDONLY | O_DIRECTORY);
+    for (int level = 0; level < depth && folder >= 0; ++level) {
+        mkdirat(folder, "d", 0700);
+        const int below = openat(folder, "d", O_RDONLY | O_DIRECTORY);
+        close(folder);
+        folder = below;
+    }
+    ASSERT_GE(folder, 0);
+    close(openat(folder, "bottom.txt", O_WRONLY | O_CREAT, 0600));
+    close(folder);
+    std::string bottom = tree;
+    for (int level = 0; level < depth; ++level)
+        bottom += "/d";
+    bottom += "/bottom.txt";
+
+    const loam::FileSpec file((root + "/sorvanta.idx").c_str());
+    {
+        loam::DiskFile disk;
+        const auto writer = BinaryFileIndexWriter::Begin(disk, file);
+        ASSERT_NE(writer, nullptr);
+        EXPECT_TRUE(VolumeIndexBuilder(nullptr).RunToCompletion(writer.get()));
+        writer->Finish();
+    }
+    IndexData index;
+    ASSERT_TRUE(index.Load(file));
+    ASSERT_EQ(index.GetRecordCount(), depth + 2);
+    EXPECT_EQ(index.GetPathOf(index.GetRecord(depth + 1)).GetCString(), bottom);
+    // Deeper than a path the system takes: the tree goes the way it was made.
+    EXPECT_EQ(std::system(("rm -rf '" + tree + "'").c_str()), 0);
 }
 
 } // namespace

@@ -2,7 +2,14 @@
 
 #include "walk_fixture.h"
 
+#include <chrono>
+#include <csignal>
+#include <fcntl.h>
+#include <random>
+#include <sys/wait.h>
+#include <thread>
 #include <tuple>
+#include <unistd.h>
 
 namespace {
 
@@ -69,6 +76,51 @@ TEST_F(VolumeIndexBuilderTest, ASecondStartIsRefused) {
     ExpectError(6, "The volume indexing system was asked to start indexing when an indexing "
                    "operation was already in progress.");
     EXPECT_TRUE(other.entries.empty());
+}
+
+// A build killed at any moment leaves an index that loads: the earlier one until the new file
+// takes the name, then the new one, unfinished or sealed, but never an empty or a torn file.
+TEST_F(VolumeIndexBuilderTest, ABuildKilledAtAnyMomentLeavesALoadableIndex) {
+    constexpr int files = 30000;
+    std::filesystem::create_directories(Path("many"));
+    for (int i = 0; i < files; ++i)
+        close(open(Path("many/file" + std::to_string(i)).c_str(), O_WRONLY | O_CREAT, 0600));
+    const loam::FileSpec index((root + "/sorvanta.idx").c_str());
+    const auto startBuild = [&index] {
+        const pid_t child = fork();
+        if (child != 0)
+            return child;
+        loam::DiskFile disk;
+        const auto writer = BinaryFileIndexWriter::Begin(disk, index);
+        VolumeIndexBuilder builder(nullptr);
+        for (bool done = false; writer && !done;)
+            builder.RunSteps(writer.get(), VolumeIndexBuilder::SliceSteps, &done);
+        if (writer)
+            writer->Finish();
+        _exit(writer ? 0 : 1);
+    };
+    const auto started = std::chrono::steady_clock::now();
+    int status = 0;
+    ASSERT_EQ(waitpid(startBuild(), &status, 0) > 0 && WIFEXITED(status), true);
+    const auto whole = std::chrono::steady_clock::now() - started;
+    IndexData built;
+    ASSERT_TRUE(built.Load(index));
+    EXPECT_EQ(built.GetRecordCount(), files + 2);
+
+    std::mt19937 random(13);
+    std::uniform_int_distribution<int64_t> moment(
+        0, std::chrono::duration_cast<std::chrono::microseconds>(whole).count());
+    for (int kill = 0; kill < 12; ++kill) {
+        const std::chrono::microseconds delay(moment(random));
+        SCOPED_TRACE(delay.count());
+        const pid_t child = startBuild();
+        std::this_thread::sleep_for(delay);
+        ::kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+        IndexData loaded;
+        EXPECT_TRUE(loaded.Load(index)) << loam::GetCurrentErrorInfo().GetMessage().GetCString();
+        loam::ClearErrors();
+    }
 }
 
 } // namespace

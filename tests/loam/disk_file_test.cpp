@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <set>
 #include <string>
 #include <sys/stat.h>
 #include <tuple>
@@ -62,6 +63,58 @@ TEST_F(DiskFileTest, CreatedFilesArePrivateAndWritingTruncates) {
     struct stat status {};
     ASSERT_EQ(stat(Path("new").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0600u);
+}
+
+// Whatever stands at the name, a new private file takes its place at PutInPlace and not before;
+// a link is replaced, never followed, and a file closed before that leaves no trace.
+TEST_F(DiskFileTest, ANewFileTakesTheNameOnlyWhenPutInPlace) {
+    MakeFile("victim", "the user's own file");
+    chmod(Path("victim").c_str(), 0644);
+    MakeFile("wide", "an old index");
+    chmod(Path("wide").c_str(), 0644);
+    symlink(Path("victim").c_str(), Path("link").c_str());
+    symlink(Path("missing").c_str(), Path("dangling").c_str());
+    const char* const names[] = {"new", "wide", "link", "dangling"};
+    const auto listing = [this] {
+        std::set<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(root))
+            names.insert(entry.path().filename().string());
+        return names;
+    };
+    const std::set<std::string> before = listing();
+    for (const char* name : names) {
+        SCOPED_TRACE(name);
+        const std::set<std::string> present = listing();
+        ASSERT_TRUE(file.CreateBeside(FileAt(name)));
+        ASSERT_TRUE(file.WriteLine("unfinished"));
+        file.Close();
+        EXPECT_EQ(listing(), present);
+        ASSERT_TRUE(file.CreateBeside(FileAt(name)));
+        ASSERT_TRUE(file.WriteLine("new"));
+        EXPECT_EQ(Exists(name), std::string(name) != "new");
+        ASSERT_TRUE(file.PutInPlace());
+        ASSERT_TRUE(file.WriteLine("more"));
+        file.Close();
+        struct stat status {};
+        ASSERT_EQ(lstat(Path(name).c_str(), &status), 0);
+        EXPECT_TRUE(S_ISREG(status.st_mode));
+        EXPECT_EQ(status.st_mode & 0777, 0600u);
+        EXPECT_EQ(ReadWhole(name), "new\r\nmore\r\n");
+    }
+    EXPECT_EQ(ReadWhole("victim"), "the user's own file");
+    EXPECT_FALSE(Exists("missing"));
+    EXPECT_EQ(listing().size(), before.size() + 1);
+
+    // A device is a stream: written into, and left where it is.
+    ASSERT_TRUE(file.CreateBeside(loam::FileSpec("/dev/null")));
+    ASSERT_TRUE(file.WriteLine("gone"));
+    EXPECT_TRUE(file.PutInPlace());
+    file.Close();
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+    EXPECT_FALSE(file.CreateBeside(FileAt("no/such/folder")));
+    ExpectError(loam::ErrorCannotOpen, "The file '" + Path("no/such/folder") +
+                                           "' could not be opened (reason: No such file or "
+                                           "directory).");
 }
 
 TEST_F(DiskFileTest, EveryFailureSaysWhy) {

@@ -5,6 +5,7 @@
 #include "scratch_folder.h"
 
 #include <functional>
+#include <set>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <tuple>
@@ -86,7 +87,7 @@ TEST_F(PreferencesTest, MissingOrDamagedStoreLeavesDefaults) {
         garbage[i] = static_cast<char>((i * 7919 + 13) % 251);
     const std::tuple<const char*, std::function<void()>, bool> cases[] = {
         {"garbage", [&] { WriteStore(garbage); }, true},
-        {"truncated group", [&] { WriteStore("[Options]\nCount=1\n[Opti"); }, true},
+        {"truncated group", [&] { WriteStore("[Options]\nOther=1\n[Opti"); }, true},
         {"no group", [&] { WriteStore("Count=1\n[Options]\n"); }, true},
         {"a folder", [&] { fs::create_directory(StorePath()); }, false},
         {"a fifo", [&] { ::mkfifo(StorePath().c_str(), 0600); }, true},
@@ -108,6 +109,48 @@ TEST_F(PreferencesTest, MissingOrDamagedStoreLeavesDefaults) {
         EXPECT_TRUE(prefs.GetInt("Options.Count", number));
         EXPECT_EQ(number, 9u);
     }
+}
+
+// One line that the key file refuses costs that line, or the values of its group when it is the
+// group's own line; a write keeps the rest, keeps the file as it was beside it, and clears away
+// what killed writes left behind.
+TEST_F(PreferencesTest, AStrayLineCostsOnlyItself) {
+    const std::string original = "[General]\nIndexLocation=/home/ann/index\n\n"
+                                 "[Options]\nUseRegExp=true\nstray line\nAutoWildcards=true\n\n"
+                                 "[UI/Search\x01Pattern]\nLost=1\n"
+                                 "[UI/SearchPattern]\nCount=2\nItem0=a\n=no key\nItem1=b\n";
+    WriteStore(original);
+    for (const char* name : {"Sorvanta.conf.x1Y2z3", "Sorvanta.conf.aB3dE6", "Sorvanta.conf.1"})
+        std::ofstream(Path("config/Wendlemark/") + name) << "left";
+    fs::create_directory(Path("config/Wendlemark/Sorvanta.conf.folder"));
+    const auto expectAllKept = [this](const char* index) {
+        loam::String text;
+        EXPECT_TRUE(prefs.GetString("IndexLocation", text));
+        EXPECT_STREQ(text.GetCString(), index);
+        bool flag = false;
+        EXPECT_TRUE(prefs.GetBool("Options.UseRegExp", flag) && flag);
+        EXPECT_TRUE(prefs.GetBool("Options.AutoWildcards", flag) && flag);
+        uint32_t count = 0;
+        EXPECT_TRUE(prefs.GetInt("UI.SearchPattern.Count", count));
+        EXPECT_EQ(count, 2u);
+        EXPECT_TRUE(prefs.GetString("UI.SearchPattern.Item1", text));
+        EXPECT_STREQ(text.GetCString(), "b");
+        EXPECT_FALSE(prefs.GetInt("UI.SearchPattern.Lost", count));
+    };
+    expectAllKept("/home/ann/index");
+    EXPECT_TRUE(prefs.SetString("IndexLocation", "/srv/index"));
+    expectAllKept("/srv/index");
+    EXPECT_EQ(ReadWhole("config/Wendlemark/Sorvanta.conf.bad"), original);
+    std::set<std::string> left;
+    for (const auto& entry : fs::directory_iterator(Path("config/Wendlemark")))
+        left.insert(entry.path().filename().string());
+    EXPECT_EQ(left,
+              (std::set<std::string>{"Sorvanta.conf", "Sorvanta.conf.bad", "Sorvanta.conf.lock",
+                                     "Sorvanta.conf.1", "Sorvanta.conf.folder"}));
+
+    // A clean file is replaced without a copy; the earlier one stays.
+    EXPECT_TRUE(prefs.SetInt("Options.Limit", 5));
+    EXPECT_EQ(ReadWhole("config/Wendlemark/Sorvanta.conf.bad"), original);
 }
 
 TEST_F(PreferencesTest, WithoutLocationNothingIsReadOrWritten) {

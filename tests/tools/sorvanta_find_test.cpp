@@ -1,11 +1,16 @@
 #include "index/file_index_writer.h"
+#include "index/index_data.h"
+#include "index/volume_index_builder.h"
 #include "loam/disk_file.h"
 #include "loam/preferences.h"
 #include "loam/scratch_folder.h"
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <csignal>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -93,8 +98,8 @@ TEST_F(SorvantaFindTest, OutputsExitCodesAndMessages) {
         Lines({"tree/", "tree/docs/", "tree/docs/readme.txt", "tree/docs/Old README.txt",
                "tree/NOTES.TXT", "tree/src/", "tree/src/main.cpp"},
               "\r\n");
-    const std::string usage = "Usage: sorvanta-find [OPTION]... PATTERN\n"
-                              "Try 'sorvanta-find --help' for more information.\n";
+    const std::string usage = Said("Usage: sorvanta-find [OPTION]... PATTERN") +
+                              Said("Try 'sorvanta-find --help' for more information.");
     const std::pair<std::vector<std::string>, Outcome> table[] = {
         {{"-d", index, "-R", "-w", "readme"}, {0, readmes, ""}},
         {{"--index", index, "--no-auto-wildcards", "*.TXT"},
@@ -161,6 +166,70 @@ TEST_F(SorvantaFindTest, AClosedPipeEndsQuietly) {
     const Outcome piped = Run({"-d", Path("index.idx"), "*"}, true);
     EXPECT_EQ(piped.exitCode, 0);
     EXPECT_EQ(piped.err, "");
+}
+
+// A finder stopped in the middle of its output holds no build up: the build puts its new index in
+// the name's place at once, and the finder, let go on, prints the whole index that it opened and
+// nothing else. (A finder that held the file by a lease kept a build waiting for 45 s, and then
+// printed a mix of both indexes or died.)
+TEST_F(SorvantaFindTest, AStoppedFinderNeitherHoldsUpABuildNorTearsItsOutput) {
+    // More than the finder's output buffer and the pipe together.
+    constexpr int files = 40000;
+    const std::string name = "a-name-long-enough-to-fill-the-buffers-soon-";
+    std::string expected = Lines({"old"});
+    {
+        loam::DiskFile file;
+        const auto writer = BinaryFileIndexWriter::Begin(file, FileAt("index.idx"));
+        ASSERT_NE(writer, nullptr);
+        writer->AddRoot(FileAt("old"), 0);
+        for (int i = 0; i < files; ++i) {
+            const std::string path = "old/" + name + std::to_string(i);
+            writer->AddFile(FileAt(path), 1, 0);
+            expected += Lines({path});
+        }
+        writer->Finish();
+    }
+    MakeFile("new.txt", "");
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const pid_t finder = fork();
+    if (finder == 0) {
+        dup2(ends[1], 1);
+        close(ends[0]);
+        close(ends[1]);
+        execl(SORVANTA_FIND, SORVANTA_FIND, "-d", Path("index.idx").c_str(), "-R", "-W", "*",
+              nullptr);
+        _exit(127);
+    }
+    close(ends[1]);
+    pollfd output{ends[0], POLLIN, 0};
+    ASSERT_EQ(poll(&output, 1, 30000), 1);
+    ::kill(finder, SIGSTOP);
+
+    const auto started = std::chrono::steady_clock::now();
+    {
+        loam::DiskFile file;
+        const auto writer = BinaryFileIndexWriter::Begin(file, FileAt("index.idx"));
+        ASSERT_NE(writer, nullptr);
+        EXPECT_TRUE(VolumeIndexBuilder(nullptr).RunToCompletion(writer.get()));
+        writer->Finish();
+    }
+    // A guard against the wait, far below the time-out of a lease.
+    EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(20));
+
+    ::kill(finder, SIGCONT);
+    std::string printed;
+    char buffer[65536];
+    for (ssize_t count; (count = read(ends[0], buffer, sizeof buffer)) > 0;)
+        printed.append(buffer, static_cast<size_t>(count));
+    close(ends[0]);
+    int status = 0;
+    waitpid(finder, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+    EXPECT_TRUE(printed == expected) << printed.size() << " bytes printed of " << expected.size();
+    IndexData rebuilt;
+    ASSERT_TRUE(rebuilt.Load(FileAt("index.idx")));
+    EXPECT_GT(rebuilt.GetRecordCount(), 0);
 }
 
 } // namespace
