@@ -15,7 +15,7 @@ def test(session):
     dialog = session.window("Error")
     message = wait_for("the error's text", lambda: dialog.get_description())
     check(blocker in message, "the message names the index file: " + message)
-    session.screenshot("failed-open")
+    session.screenshot("failed-open", dialog)
     ok = session.control(dialog, Atspi.Role.PUSH_BUTTON, "OK")
     session.focus(dialog)
     session.keys("Return")

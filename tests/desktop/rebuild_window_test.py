@@ -17,7 +17,7 @@ def test(session):
     folder_line = session.control(window, Atspi.Role.TEXT)
     first = wait_for("a folder in the folder line", lambda: text_of(folder_line))
     check(first.startswith(session.tree), "the folder line shows a folder of the tree: " + first)
-    session.screenshot("walking")
+    session.screenshot("walking", window)
     wait_for("the folder line to move on", lambda: text_of(folder_line) not in ("", first))
     session.click(session.control(window, Atspi.Role.PUSH_BUTTON, "Quit"))
     check(session.wait_exit() == 0, "the program ends with code 0")

@@ -156,11 +156,26 @@ class Session:
     def xdotool(*arguments):
         subprocess.run(["xdotool", *arguments], check=True)
 
-    def screenshot(self, name):
-        """Keeps the whole screen as a test artefact."""
+    def screenshot(self, name, window=None):
+        """Keeps the screen as a test artefact: the part around `window` when one is given."""
         time.sleep(0.3)
         path = os.path.join(self.artefacts, "%s-%s.png" % (self.name, name))
-        subprocess.run(["/usr/bin/import", "-window", "root", path], check=True)
+        command = ["/usr/bin/import", "-window", "root"]
+        if window is not None:
+            box = window.get_extents(Atspi.CoordType.SCREEN)
+            margin = 8
+            command += [
+                "-crop",
+                "%dx%d+%d+%d"
+                % (
+                    box.width + 2 * margin,
+                    box.height + 2 * margin,
+                    max(box.x - margin, 0),
+                    max(box.y - margin, 0),
+                ),
+                "+repage",
+            ]
+        subprocess.run(command + [path], check=True)
         return path
 
     def wait_exit(self, patience=PATIENCE):
