@@ -1,5 +1,4 @@
-#include "app/sorvanta_app.h"
-#include "app/sorvanta_options.h"
+#include "app/settings.h"
 
 #include "loam/error.h"
 #include "loam/preferences.h"
@@ -9,15 +8,15 @@
 namespace {
 
 loam::FileSpec indexFolder;
-int32_t maxResults = SorvantaOptions::DefaultMaxResults;
+int32_t maxResults = SorvantaSettings::DefaultMaxResults;
 
 // Rounds up to a whole step, then holds the value within the bounds; 64 bits, so that a stored
 // value near the top of the range cannot overflow while rounding.
 int32_t SnapMaxResults(int64_t count) {
-    const int64_t step = SorvantaOptions::MaxResultsStep;
+    const int64_t step = SorvantaSettings::MaxResultsStep;
     const int64_t rounded = count > 0 ? (count + step - 1) / step * step : 0;
-    return static_cast<int32_t>(std::clamp<int64_t>(rounded, SorvantaOptions::DefaultMaxResults,
-                                                    SorvantaOptions::MaxResultsCeiling));
+    return static_cast<int32_t>(std::clamp<int64_t>(rounded, SorvantaSettings::DefaultMaxResults,
+                                                    SorvantaSettings::MaxResultsCeiling));
 }
 
 // A first run: the index goes to the application's own folder, remembered at once. Without one
@@ -34,17 +33,17 @@ void TakeHomeFolder(loam::Preferences& preferences) {
 
 } // namespace
 
-loam::FileSpec SorvantaApp::GetIndexFolder() {
+loam::FileSpec SorvantaSettings::GetIndexFolder() {
     return indexFolder;
 }
 
-loam::FileSpec SorvantaApp::GetIndexFile() {
+loam::FileSpec SorvantaSettings::GetIndexFile() {
     loam::FileSpec file(indexFolder);
     file.Append(IndexFileName);
     return file;
 }
 
-void SorvantaOptions::LoadSettings() {
+void SorvantaSettings::LoadSettings() {
     loam::Preferences& preferences = loam::GetPreferences();
     indexFolder.Clear();
     preferences.GetFileSpec(KeyIndexLocation, indexFolder);
@@ -55,16 +54,16 @@ void SorvantaOptions::LoadSettings() {
     maxResults = SnapMaxResults(static_cast<int32_t>(stored));
 }
 
-int32_t SorvantaOptions::GetMaxResults() {
+int32_t SorvantaSettings::GetMaxResults() {
     return maxResults;
 }
 
-void SorvantaOptions::SetMaxResults(int32_t count) {
+void SorvantaSettings::SetMaxResults(int32_t count) {
     maxResults = SnapMaxResults(count);
     loam::GetPreferences().SetInt(KeyMaxResults, static_cast<uint32_t>(maxResults));
 }
 
-void SorvantaOptions::SetIndexFolder(const loam::FileSpec& folder) {
+void SorvantaSettings::SetIndexFolder(const loam::FileSpec& folder) {
     indexFolder = folder;
     loam::GetPreferences().SetFileSpec(KeyIndexLocation, indexFolder);
 }

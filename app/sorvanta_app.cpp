@@ -30,12 +30,12 @@ const char noSearchWindowText[] =
     "sorvanta: this build has no search window yet; run 'sorvanta /buildindex' to index this "
     "machine's fixed disks and 'sorvanta-find PATTERN' to search the index\n";
 
-// The offscreen backend stands in because no display could be opened, not because it was
-// asked for.
+// The headless backend stands in because no display could be opened, not because it was asked
+// for.
 bool IsDisplayMissing() {
     const char* requested = std::getenv("QUILT_PLATFORM");
-    const bool askedForOffscreen = requested != nullptr && std::strcmp(requested, "offscreen") == 0;
-    return quilt::GetImpFactory().GetBackend() == quilt::Backend::Offscreen && !askedForOffscreen;
+    const bool askedForHeadless = requested != nullptr && std::strcmp(requested, "offscreen") == 0;
+    return quilt::GetImpFactory().GetBackend() == quilt::Backend::Headless && !askedForHeadless;
 }
 
 // The writer's word about a fault in the order of the walk comes up as the toolkit's alert.

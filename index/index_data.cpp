@@ -3,7 +3,10 @@
 #include "loam/disk_file.h"
 #include "loam/error.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstring>
+#include <map>
 #include <vector>
 
 namespace {
@@ -26,6 +29,22 @@ constexpr uint32_t MaxImageSize = 0x7FFFFFFF;
 constexpr uint32_t MinRecordSize = sizeof(IndexRecord) + 1;
 constexpr uint32_t MaxRecordSize = sizeof(IndexRecord) + UINT8_MAX;
 
+// A scan's records: a window is tabled at a time, so that the table stays in the nearer caches
+// while the search goes over it, out of a piece of the file of some windows' length. The piece's
+// buffer is used again and again: fresh memory, on this system's first touch of each page, costs
+// more than the search.
+constexpr int32_t WindowRecords = 8192;
+constexpr uint32_t ChunkBytes = 1 << 20;
+// A piece is topped up once less than this is left of it, so that a window seldom ends early.
+constexpr uint32_t RefillBelow = ChunkBytes / 2;
+// One record in so many is a landmark, from which any record is found again by steps forward.
+constexpr uint32_t LandmarkSpacing = 64;
+constexpr size_t CopyBlockBytes = 64 * 1024;
+
+// How far ahead of the pass its memory is asked for: the chain from record to record leaves the
+// processor no room to fetch ahead by itself.
+constexpr ptrdiff_t PrefetchDistance = 4096;
+
 bool Fail(uint32_t code, const char* text) {
     return loam::GetErrorState().RaiseError(code, loam::SeverityError, text);
 }
@@ -40,16 +59,18 @@ bool HasMoreBytes(loam::File& file) {
     return count != 0;
 }
 
-// The pass of BuildTables over the records, kept in locals so that nothing of it goes through
-// memory from one record to the next. Its speed is that of the chain from one record's length to
-// the next record's place, so nothing else it does may branch or wait on that chain.
+// The pass over the records, kept in locals so that nothing of it goes through memory from one
+// record to the next. Its speed is that of the chain from one record's length to the next
+// record's place, so nothing else it does may branch or wait on that chain.
 struct RecordTally {
-    const IndexRecord** table;
+    const IndexRecord** slot;
+    // Where the next folder's record goes, when the folders are noted.
+    const IndexRecord** folderSlot;
     const char* cursor;
-    int32_t ordinal = 0;
-    uint32_t files = 0;
-    uint32_t folders = 0;
-    uint64_t totalSize = 0;
+    int32_t ordinal;
+    uint32_t files;
+    uint32_t folders;
+    uint64_t totalSize;
     bool faulty = false;
 
     bool IsWellFormed() const { return !faulty; }
@@ -57,14 +78,20 @@ struct RecordTally {
     // Enters the record at cursor, which lies wholly inside the buffer, and moves past it.
     // Padding is NUL, so a name block that holds its NUL ends in one; a parent is a record that
     // came before, and the mark of no parent, one below 0, is one step from every ordinal.
-    void Take() {
+    template <bool notesFolders> void Take() {
         const auto* record = reinterpret_cast<const IndexRecord*>(cursor);
+        __builtin_prefetch(cursor + PrefetchDistance);
         const uint32_t nameLength = record->nameLength;
         const uint32_t parent = record->parent;
         const uint64_t fileMask = -static_cast<uint64_t>(record->kind == IndexKindFile);
-        table[ordinal] = record;
+        *slot++ = record;
         files += static_cast<uint32_t>(fileMask & 1);
-        folders += record->kind == IndexKindFolder;
+        const bool isFolder = record->kind == IndexKindFolder;
+        if constexpr (notesFolders) {
+            *folderSlot = record;
+            folderSlot += isFolder;
+        }
+        folders += isFolder;
         totalSize += record->size & fileMask;
         cursor += sizeof(IndexRecord) + nameLength;
         // The last byte of the name block; of the fixed part when the block is empty.
@@ -75,7 +102,79 @@ struct RecordTally {
     }
 };
 
+size_t RecordBytes(const IndexRecord* record) {
+    return sizeof(IndexRecord) + record->nameLength;
+}
+
 } // namespace
+
+// What a scan holds beside the window: where its bytes come from, the piece of them in the
+// buffer, and the copies of what outlives a window.
+struct IndexData::ScanState {
+    // The bytes come from the file, or from an image given whole.
+    loam::DiskFile file;
+    LargeArray<char> image;
+    uint32_t size = 0;
+    // The piece: chunkBytes bytes from the source's offset chunkOffset.
+    std::unique_ptr<char[]> chunk;
+    uint32_t chunkOffset = 0;
+    uint32_t chunkBytes = 0;
+    // Copies of records, in blocks that never move.
+    std::vector<std::unique_ptr<char[]>> blocks;
+    size_t blockUsed = CopyBlockBytes;
+    // The folders of the window, as the pass notes them.
+    std::unique_ptr<const IndexRecord*[]> windowFolders =
+        std::make_unique<const IndexRecord*[]>(WindowRecords + 1);
+    int32_t windowFolderCount = 0;
+    // The folders passed so far, by ordinal, and the offsets of the landmarks.
+    std::vector<uint32_t> folderOrdinals;
+    std::vector<const IndexRecord*> folderCopies;
+    std::vector<uint32_t> landmarks;
+    // Parents that are not folders, which only a damaged but loadable file has, found again.
+    std::map<uint32_t, const IndexRecord*> others;
+
+    bool Read(uint32_t offset, char* into, uint32_t bytes) {
+        if (image) {
+            std::memcpy(into, image.get() + offset, bytes);
+            return true;
+        }
+        return file.SeekFromStart(static_cast<int32_t>(offset)) && file.Read(into, bytes, nullptr);
+    }
+
+    const IndexRecord* Keep(const IndexRecord* record) {
+        const size_t bytes = RecordBytes(record);
+        if (blockUsed + bytes > CopyBlockBytes) {
+            blocks.push_back(std::make_unique_for_overwrite<char[]>(CopyBlockBytes));
+            blockUsed = 0;
+        }
+        char* copy = blocks.back().get() + blockUsed;
+        std::memcpy(copy, record, bytes);
+        blockUsed += bytes;
+        return reinterpret_cast<const IndexRecord*>(copy);
+    }
+
+    // A record that the scan has passed, read again from its landmark on.
+    // Null if the file cannot be read again, which is no error of the caller's.
+    const IndexRecord* FindAgain(uint32_t ordinal) {
+        const uint32_t offset = landmarks[ordinal / LandmarkSpacing];
+        std::vector<char> bytes(std::min<size_t>(LandmarkSpacing * MaxRecordSize, size - offset));
+        loam::GetErrorState().SaveState();
+        const bool read = Read(offset, bytes.data(), static_cast<uint32_t>(bytes.size()));
+        loam::GetErrorState().RestoreState();
+        if (!read)
+            return nullptr;
+        const auto* record = reinterpret_cast<const IndexRecord*>(bytes.data());
+        for (uint32_t step = ordinal % LandmarkSpacing; step > 0; --step)
+            record = record->GetNextRecord();
+        return others[ordinal] = Keep(record);
+    }
+};
+
+IndexData::IndexData() = default;
+
+IndexData::~IndexData() {
+    Release();
+}
 
 bool IndexData::Load(loam::FileSpec indexFile, IndexSource source) {
     Release();
@@ -107,32 +206,95 @@ bool IndexData::LoadImage(LargeArray<char> bytes, uint32_t imageSize) {
 }
 
 bool IndexData::TakeImage(const char* bytes, uint32_t imageSize) {
-    image = bytes;
-    bufferSize = imageSize;
-    bool loaded = false;
-    if (!image || imageSize < sizeof(IndexFileHeader) || imageSize > MaxImageSize) {
-        Fail(loam::ErrorGeneral, notUnderstoodText);
-    } else {
-        std::memcpy(&header, image, sizeof header);
-        if (header.version > IndexFormatVersion)
-            Fail(loam::ErrorGeneral, newerVersionText);
-        else
-            loaded =
-                BuildTables(image + sizeof(IndexFileHeader), imageSize - sizeof(IndexFileHeader));
-    }
     // A failed index keeps nothing, so that no half-built table can ever be searched.
-    if (!loaded)
+    if (CheckHeader(bytes, imageSize) && BuildTables(imageSize - sizeof(IndexFileHeader)))
+        return true;
+    Release();
+    return false;
+}
+
+// The same checks as Load, in the same order, with the whole read put off: the size is checked
+// for more bytes at once, and the first piece is read.
+bool IndexData::Scan(loam::FileSpec indexFile) {
+    Release();
+    if (indexFile.GetKind() != loam::FileKindFile)
+        return Fail(loam::ErrorGeneral, notFoundText);
+    const uint32_t size = indexFile.GetFileSize();
+    if (size == 0)
+        return Fail(loam::ErrorGeneral, emptyText);
+    if (size > MaxImageSize)
+        return Fail(loam::ErrorGeneral, cannotLoadText);
+    scan = std::make_unique<ScanState>();
+    scan->size = size;
+    if (!scan->file.OpenFile(indexFile, loam::FileModeRead)) {
         Release();
-    return loaded;
+        return Fail(loam::ErrorGeneral, cannotOpenText);
+    }
+    if (!scan->file.SeekFromStart(static_cast<int32_t>(size)) || HasMoreBytes(scan->file)) {
+        Release();
+        return Fail(loam::ErrorGeneral, cannotLoadText);
+    }
+    return StartScan();
+}
+
+bool IndexData::ScanImage(LargeArray<char> bytes, uint32_t imageSize) {
+    Release();
+    scan = std::make_unique<ScanState>();
+    scan->image = std::move(bytes);
+    scan->size = scan->image ? imageSize : 0;
+    return StartScan();
+}
+
+bool IndexData::StartScan() {
+    scan->chunk = std::make_unique<char[]>(ChunkBytes);
+    if (FillChunk() && CheckHeader(scan->chunk.get(), scan->size) &&
+        BuildTables(scan->size - sizeof(IndexFileHeader)))
+        return true;
+    Release();
+    return false;
+}
+
+// Moves what is left of the piece to the front of the buffer and reads on behind it.
+bool IndexData::FillChunk() {
+    ScanState& piece = *scan;
+    const bool first = nextRecord == nullptr;
+    const auto kept = first ? 0 : static_cast<uint32_t>(image + bufferSize - nextRecord);
+    const uint32_t offset = piece.chunkOffset + piece.chunkBytes - kept;
+    if (kept > 0)
+        std::memmove(piece.chunk.get(), nextRecord, kept);
+    const uint32_t bytes = std::min(ChunkBytes - kept, piece.size - (offset + kept));
+    if (bytes > 0 && !piece.Read(offset + kept, piece.chunk.get() + kept, bytes))
+        return Fail(loam::ErrorGeneral, cannotLoadText);
+    piece.chunkOffset = offset;
+    piece.chunkBytes = kept + bytes;
+    image = piece.chunk.get();
+    bufferSize = piece.chunkBytes;
+    nextRecord = first ? image + sizeof(IndexFileHeader) : image;
+    return true;
+}
+
+bool IndexData::CheckHeader(const char* bytes, uint32_t imageSize) {
+    image = bytes;
+    bufferSize = scan ? scan->chunkBytes : imageSize;
+    if (!image || imageSize < sizeof(IndexFileHeader) || imageSize > MaxImageSize)
+        return Fail(loam::ErrorGeneral, notUnderstoodText);
+    std::memcpy(&header, image, sizeof header);
+    if (header.version > IndexFormatVersion)
+        return Fail(loam::ErrorGeneral, newerVersionText);
+    return true;
 }
 
 void IndexData::Release() {
     buffer.reset();
     mapping.Close();
+    scan.reset();
     image = nullptr;
     header = IndexFileHeader{};
     bufferSize = 0;
     records.reset();
+    tableCount = 0;
+    windowFirst = 0;
+    nextRecord = nullptr;
     fileCount = 0;
     folderCount = 0;
     totalSize = 0;
@@ -140,10 +302,10 @@ void IndexData::Release() {
     resultCount = 0;
 }
 
-// One pass over the records. Every record is checked to lie wholly inside the buffer, to hold
-// the NUL of its name, and to name an earlier record as its parent, so that nothing read later
-// leaves the buffer and every walk up the parents ends.
-bool IndexData::BuildTables(const char* firstRecord, uint32_t bytes) {
+// Every record is checked to lie wholly inside the file, to hold the NUL of its name, and to
+// name an earlier record as its parent, so that nothing read later leaves the buffer and every
+// walk up the parents ends.
+bool IndexData::BuildTables(uint32_t bytes) {
     fileCount = 0;
     folderCount = 0;
     totalSize = 0;
@@ -152,34 +314,123 @@ bool IndexData::BuildTables(const char* firstRecord, uint32_t bytes) {
     const int32_t count = header.recordCount;
     if (count < 0 || static_cast<uint32_t>(count) > bytes / MinRecordSize)
         return Fail(loam::ErrorGeneral, notUnderstoodText);
-    records = AllocateLargeArray<const IndexRecord*>(count);
+    const int32_t tableSize = scan ? std::min(count, WindowRecords) : count;
+    records = AllocateLargeArray<const IndexRecord*>(tableSize);
     results = AllocateLargeArray<const IndexRecord*>(count);
     if (!records || !results)
         return Fail(loam::ErrorGeneral, notUnderstoodText);
-    RecordTally tally{records.get(), firstRecord};
-    const char* const end = firstRecord + bytes;
+    resultCount = 0;
+    if (!scan) {
+        nextRecord = image + sizeof(IndexFileHeader);
+        return TakeRecords(count, true);
+    }
+    scan->folderOrdinals.reserve(static_cast<size_t>(count));
+    scan->folderCopies.reserve(static_cast<size_t>(count));
+    if (!TakeRecords(tableSize, scan->chunkBytes == scan->size))
+        return false;
+    KeepWindow();
+    return true;
+}
+
+bool IndexData::TakeNextWindow() {
+    if (!scan)
+        return Fail(loam::ErrorWrongState, internalFaultText);
+    windowFirst += tableCount;
+    const bool moreToRead = scan->chunkOffset + scan->chunkBytes < scan->size;
+    if (moreToRead && image + bufferSize - nextRecord < static_cast<ptrdiff_t>(RefillBelow) &&
+        !FillChunk()) {
+        Release();
+        return false;
+    }
+    const bool endIsFileEnd = scan->chunkOffset + scan->chunkBytes == scan->size;
+    if (!TakeRecords(std::min(header.recordCount - windowFirst, WindowRecords), endIsFileEnd)) {
+        Release();
+        return false;
+    }
+    KeepWindow();
+    return true;
+}
+
+// One pass over at most count records, from nextRecord on, which become the table. A record
+// that reaches past the end of the buffer is damage at the end of the file, and otherwise ends
+// the table early.
+bool IndexData::TakeRecords(int32_t count, bool endIsFileEnd) {
+    return scan ? TakeRecords<true>(count, endIsFileEnd) : TakeRecords<false>(count, endIsFileEnd);
+}
+
+template <bool notesFolders> bool IndexData::TakeRecords(int32_t count, bool endIsFileEnd) {
+    tableCount = 0;
+    RecordTally tally{records.get(), notesFolders ? scan->windowFolders.get() : nullptr,
+                      nextRecord,    windowFirst,
+                      fileCount,     folderCount,
+                      totalSize};
+    const int32_t end = windowFirst + count;
+    const char* const imageEnd = image + bufferSize;
     // While the longest record still fits before the end, no record can reach past it, and the
     // checks are gathered instead of each being a branch.
-    if (bytes >= MaxRecordSize) {
-        const char* const lastSafe = end - MaxRecordSize;
-        while (tally.ordinal < count && tally.cursor <= lastSafe)
-            tally.Take();
+    if (imageEnd - tally.cursor >= static_cast<ptrdiff_t>(MaxRecordSize)) {
+        const char* const lastSafe = imageEnd - MaxRecordSize;
+        while (tally.ordinal < end && tally.cursor <= lastSafe)
+            tally.Take<notesFolders>();
     }
-    while (tally.ordinal < count && tally.IsWellFormed()) {
-        const auto remaining = static_cast<size_t>(end - tally.cursor);
+    while (tally.ordinal < end && tally.IsWellFormed()) {
+        const auto remaining = static_cast<size_t>(imageEnd - tally.cursor);
         if (remaining < sizeof(IndexRecord) ||
             sizeof(IndexRecord) + reinterpret_cast<const IndexRecord*>(tally.cursor)->nameLength >
-                remaining)
-            return Fail(loam::ErrorGeneral, notUnderstoodText);
-        tally.Take();
+                remaining) {
+            if (endIsFileEnd)
+                return Fail(loam::ErrorGeneral, notUnderstoodText);
+            break;
+        }
+        tally.Take<notesFolders>();
     }
     if (!tally.IsWellFormed())
         return Fail(loam::ErrorGeneral, notUnderstoodText);
+    nextRecord = tally.cursor;
     fileCount = tally.files;
     folderCount = tally.folders;
     totalSize = tally.totalSize;
-    resultCount = 0;
+    tableCount = tally.ordinal - windowFirst;
+    if constexpr (notesFolders)
+        scan->windowFolderCount =
+            static_cast<int32_t>(tally.folderSlot - scan->windowFolders.get());
     return true;
+}
+
+// Copies the window's folders and notes its landmarks before the buffer is used again.
+void IndexData::KeepWindow() {
+    ScanState& kept = *scan;
+    const int32_t end = windowFirst + tableCount;
+    for (int32_t ordinal = (windowFirst + LandmarkSpacing - 1) / LandmarkSpacing * LandmarkSpacing;
+         ordinal < end; ordinal += LandmarkSpacing) {
+        const auto* at = reinterpret_cast<const char*>(records[ordinal - windowFirst]);
+        kept.landmarks.push_back(kept.chunkOffset + static_cast<uint32_t>(at - image));
+    }
+    const IndexRecord* const* first = records.get();
+    for (int32_t i = 0, slot = 0; slot < kept.windowFolderCount; ++i) {
+        if (first[i] != kept.windowFolders[slot])
+            continue;
+        kept.folderOrdinals.push_back(static_cast<uint32_t>(windowFirst + i));
+        kept.folderCopies.push_back(kept.Keep(first[i]));
+        ++slot;
+    }
+}
+
+const IndexRecord* IndexData::KeepCopy(const IndexRecord* record) {
+    return scan->Keep(record);
+}
+
+// A scan's parent is one of the folders it has passed or, in a damaged but loadable file, a
+// record of another kind read again.
+const IndexRecord* IndexData::GetRecordByOrdinal(uint32_t ordinal) const {
+    if (!scan)
+        return records[ordinal];
+    const auto& ordinals = scan->folderOrdinals;
+    const auto folder = std::lower_bound(ordinals.begin(), ordinals.end(), ordinal);
+    if (folder != ordinals.end() && *folder == ordinal)
+        return scan->folderCopies[static_cast<size_t>(folder - ordinals.begin())];
+    const auto other = scan->others.find(ordinal);
+    return other != scan->others.end() ? other->second : scan->FindAgain(ordinal);
 }
 
 bool IndexData::IsResultFolder(int32_t index) const {
@@ -218,9 +469,12 @@ uint64_t IndexData::GetResultsTotalSize() const {
 // Parents always come before their entries in the file, so the walk up is short and ends.
 void IndexData::GetFolderOf(const IndexRecord* record, loam::FileSpec& folder) const {
     std::vector<const IndexRecord*> chain;
-    for (uint32_t parent = record->parent; parent != IndexNoParent;
-         parent = records[parent]->parent)
-        chain.push_back(records[parent]);
+    for (uint32_t parent = record->parent; parent != IndexNoParent; parent = chain.back()->parent) {
+        const IndexRecord* up = GetRecordByOrdinal(parent);
+        if (!up)
+            break;
+        chain.push_back(up);
+    }
     folder.Clear();
     if (chain.empty())
         return;

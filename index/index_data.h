@@ -8,6 +8,7 @@
 #include "loam/string.h"
 
 #include <cstdint>
+#include <memory>
 
 namespace quilt {
 class Window;
@@ -23,14 +24,25 @@ enum class IndexSource { Read, View };
 // the result table of the last search. Paths are rebuilt on demand from the parent ordinals.
 class IndexData {
 public:
-    IndexData() = default;
+    IndexData();
     IndexData(const IndexData&) = delete;
     IndexData& operator=(const IndexData&) = delete;
-    ~IndexData() { Release(); }
+    ~IndexData();
 
     bool Load(loam::FileSpec indexFile, IndexSource source = IndexSource::Read);
     // Takes the whole image of an index file, checks it and builds the tables.
     bool LoadImage(LargeArray<char> image, uint32_t imageSize);
+
+    // For a reader that goes through the records once, in file order, and shows nothing before
+    // the last of them is checked: the file passes through one buffer a piece at a time, and the
+    // record table holds a window of its records. Neither the whole image nor a table over every
+    // record is made, which cost such a reader more than its search; what outlives a window,
+    // its results and its folders, is copied. Fails as Load fails, and takes the first window.
+    bool Scan(loam::FileSpec indexFile);
+    bool ScanImage(LargeArray<char> image, uint32_t imageSize);
+    // Moves the table of a scan on to the records after its window: empty once the window has
+    // passed the last record. A damaged record fails with the words of Load, and releases all.
+    bool TakeNextWindow();
     void Release();
     bool IsLoaded() const { return image != nullptr; }
 
@@ -38,8 +50,9 @@ public:
     bool Search(const loam::String& pattern, bool isRegExp, bool autoWildcards,
                 quilt::Window* parent);
 
-    // The record table, in file order. Every ordinal below GetRecordCount is valid.
-    int32_t GetRecordCount() const { return header.recordCount; }
+    // The record table, in file order: every record, or those of the window. Every ordinal below
+    // GetRecordCount is valid.
+    int32_t GetRecordCount() const { return tableCount; }
     const IndexRecord* const* GetRecords() const { return records.get(); }
     const IndexRecord* GetRecord(int32_t ordinal) const { return records[ordinal]; }
     const IndexFileHeader* GetHeader() const { return image ? &header : nullptr; }
@@ -49,7 +62,9 @@ public:
     uint64_t GetTotalSize() const { return totalSize; }
 
     void ClearResults() { resultCount = 0; }
-    void AddResult(const IndexRecord* record) { results[resultCount++] = record; }
+    void AddResult(const IndexRecord* record) {
+        results[resultCount++] = scan ? KeepCopy(record) : record;
+    }
     int32_t GetResultCount() const { return resultCount; }
     const IndexRecord* GetResult(int32_t index) const { return results[index]; }
     bool IsResultFolder(int32_t index) const;
@@ -60,17 +75,28 @@ public:
     loam::String GetResultPath(int32_t index) const;
     uint64_t GetResultsTotalSize() const;
 
+    // Of a scan, for a result or a folder that a window has passed.
     void GetFolderOf(const IndexRecord* record, loam::FileSpec& folder) const;
     loam::String GetPathOf(const IndexRecord* record) const;
 
-    // One line per record, full paths with a separator after each folder.
+    // One line per record of the table, full paths with a separator after each folder.
     void DumpToText(const loam::FileSpec& textFile) const;
     // A record's line in the text dump: its full path, a folder's ending in the separator.
     loam::String GetDumpLine(const IndexRecord* record) const;
 
 private:
+    struct ScanState;
+
     bool TakeImage(const char* bytes, uint32_t imageSize);
-    bool BuildTables(const char* firstRecord, uint32_t bytes);
+    bool StartScan();
+    bool CheckHeader(const char* bytes, uint32_t imageSize);
+    bool BuildTables(uint32_t bytes);
+    bool TakeRecords(int32_t count, bool endIsFileEnd);
+    template <bool notesFolders> bool TakeRecords(int32_t count, bool endIsFileEnd);
+    bool FillChunk();
+    void KeepWindow();
+    const IndexRecord* KeepCopy(const IndexRecord* record);
+    const IndexRecord* GetRecordByOrdinal(uint32_t ordinal) const;
     bool IsResult(int32_t index) const { return index >= 0 && index < resultCount; }
 
     // The image is the buffer's bytes or the mapping's.
@@ -82,6 +108,12 @@ private:
     IndexFileHeader header{};
     uint32_t bufferSize = 0;
     LargeArray<const IndexRecord*> records;
+    int32_t tableCount = 0;
+    // The ordinal of the table's first record, and where the record after the table starts.
+    int32_t windowFirst = 0;
+    const char* nextRecord = nullptr;
+    // Set for a scan only.
+    std::unique_ptr<ScanState> scan;
     uint32_t fileCount = 0;
     uint32_t folderCount = 0;
     uint64_t totalSize = 0;

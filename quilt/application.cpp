@@ -11,8 +11,6 @@ namespace quilt {
 
 namespace {
 
-Application* currentApplication = nullptr;
-
 loam::String JoinArguments(int argc, char** argv) {
     loam::String text;
     for (int i = 1; i < argc; ++i) {
@@ -61,23 +59,17 @@ void IdleHandler::EnableIdle() {
 }
 
 Application::Application() {
-    currentApplication = this;
+    current = this;
+    currentMainWindow = &mainWindow;
 }
 
 Application::~Application() {
     mainWindow.reset();
     imp.reset();
-    if (currentApplication == this) {
-        currentApplication = nullptr;
+    if (current == this) {
+        current = nullptr;
+        currentMainWindow = nullptr;
     }
-}
-
-Application* Application::GetCurrent() {
-    return currentApplication;
-}
-
-Window* Application::GetMainWindow() {
-    return currentApplication != nullptr ? currentApplication->mainWindow.get() : nullptr;
 }
 
 bool Application::OnCommand(int32_t id) {
@@ -285,18 +277,23 @@ void Application::RemoveIdleHandler(IdleHandler* handler) {
 }
 
 void NoteUserInput(uint32_t time) {
-    if (currentApplication != nullptr && currentApplication->GetImp() != nullptr) {
-        currentApplication->GetImp()->NoteUserInput(time);
+    Application* application = Application::GetCurrent();
+    if (application != nullptr && application->GetImp() != nullptr) {
+        application->GetImp()->NoteUserInput(time);
     }
 }
 
 void QuitApplication() {
-    if (currentApplication != nullptr && currentApplication->GetImp() != nullptr) {
-        currentApplication->Quit();
+    Application* application = Application::GetCurrent();
+    if (application != nullptr && application->GetImp() != nullptr) {
+        application->Quit();
     }
 }
 
 int RunProcess(Application* (*create)(), int argc, char** argv) {
+    if (!GetImpFactory().CanRun()) {
+        return 0;
+    }
     std::unique_ptr<Application> application(create());
     if (application == nullptr) {
         return 0;

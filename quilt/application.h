@@ -118,8 +118,12 @@ public:
     Application();
     ~Application() override;
 
-    static Application* GetCurrent();
-    static Window* GetMainWindow();
+    // Inline, and without touching the object, so that code which only asks for them (a job's
+    // controller in the command-line finder) links nothing of the application or the windows.
+    static Application* GetCurrent() { return current; }
+    static Window* GetMainWindow() {
+        return currentMainWindow != nullptr ? currentMainWindow->get() : nullptr;
+    }
 
     // Asks the main window first.
     bool OnCommand(int32_t id) override;
@@ -201,6 +205,9 @@ private:
     void ShowTrayMenu(uint32_t event);
     void GiveFirstTrayCommand(uint32_t event);
     void GiveSecondTrayCommand(uint32_t event);
+
+    static inline Application* current = nullptr;
+    static inline std::unique_ptr<Window>* currentMainWindow = nullptr;
 
     bool trayActive = false;
     bool overrideActive = false;

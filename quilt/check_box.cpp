@@ -5,6 +5,15 @@
 
 namespace quilt {
 
+NotificationAnswer CheckBoxImp::TranslateNotification(const NativeNotification& notification,
+                                                      NotificationTranslation& out) {
+    auto* checkBox = dynamic_cast<CheckBox*>(GetOwner());
+    if (notification.event == ControlEvent::Clicked && checkBox != nullptr) {
+        checkBox->OnClicked();
+    }
+    return WindowImp::TranslateNotification(notification, out);
+}
+
 CheckBox::CheckBox() : Window(GetImpFactory().CreateCheckBoxImp()) {
     checkImp = dynamic_cast<CheckBoxImp*>(GetImp());
 }
@@ -20,6 +29,15 @@ void CheckBox::OnStateChanged() {
     for (int32_t id : dependents) {
         ApplyState(id);
     }
+}
+
+void CheckBox::SetState(int32_t state) {
+    int32_t wanted = ToCheckState(state);
+    if (!HasNativeWindow() || GetState() == wanted) {
+        return;
+    }
+    checkImp->SetState(wanted);
+    OnStateChanged();
 }
 
 void CheckBox::SetChecked(bool checked) {

@@ -15,12 +15,15 @@ class Dialog;
 class CheckBoxImp : public virtual WindowImp {
 public:
     using WindowImp::Create;
-    // 0 unchecked, 1 checked, 2 for any other state.
+    // The native state; 0 without a native window.
     virtual int32_t GetState() = 0;
-    // A change of state calls the owner's OnStateChanged; the present state changes nothing.
+    // `state` is one of the CheckState values.
     virtual void SetState(int32_t state) = 0;
     // A check box made by code, which only the program checks.
     virtual bool Create(Window* parent, const Rect& rect, int32_t id) = 0;
+    // A click reaches the check box before its dialog.
+    NotificationAnswer TranslateNotification(const NativeNotification& notification,
+                                             NotificationTranslation& out) override;
 };
 
 // A check box, which may enable and disable other controls of its dialog by its state: its
@@ -34,9 +37,12 @@ public:
     virtual void OnStateChanged();
 
     void SetChecked(bool checked);
-    void SetState(int32_t state) { checkImp->SetState(state); }
+    // 1 checked, 2 indeterminate, any other unchecked. A change of state calls OnStateChanged;
+    // the present state changes nothing.
+    void SetState(int32_t state);
     bool IsChecked() { return GetState() == CheckStateChecked; }
-    int32_t GetState() { return checkImp->GetState(); }
+    // 0 unchecked, 1 checked, 2 for any other state.
+    int32_t GetState() { return ReadCheckState(checkImp->GetState()); }
     bool Create(Window* parent, const Rect& rect, int32_t id);
 
     void SetDependentDialog(Dialog* dependentDialog) { dialog = dependentDialog; }

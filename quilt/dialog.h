@@ -114,8 +114,10 @@ public:
     void HideControl(int32_t id) { dialogImp->HideControl(id); }
     bool GetControlRect(int32_t id, Rect& rect) { return dialogImp->GetControlRect(id, rect); }
     void SetControlRect(int32_t id, const Rect& rect) { dialogImp->SetControlRect(id, rect); }
-    void SetCheck(int32_t id, int32_t state) { dialogImp->SetCheck(id, state); }
-    int32_t GetCheck(int32_t id) { return dialogImp->GetCheck(id); }
+    // 1 checked, 2 indeterminate, any other unchecked.
+    void SetCheck(int32_t id, int32_t state) { dialogImp->SetCheck(id, ToCheckState(state)); }
+    // 0 or 1, 2 for any other state; 2 when the dialog has no native window.
+    int32_t GetCheck(int32_t id) { return ReadCheckState(dialogImp->GetCheck(id)); }
     bool GetControlWindow(int32_t id, Window** window) {
         return dialogImp->GetControlWindow(id, window);
     }

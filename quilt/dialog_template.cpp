@@ -9,26 +9,23 @@ namespace quilt {
 
 namespace {
 
-struct KindClass {
+struct KindStyle {
     ControlKind kind;
-    ControlClass controlClass;
+    uint32_t style;
 };
 
-constexpr KindClass kindClasses[] = {
-    {ControlKind::PushButton, {ControlClassButton, StyleTabStop}},
-    {ControlKind::DefaultPushButton, {ControlClassButton, StyleTabStop | StyleDefaultButton}},
-    {ControlKind::CheckBox, {ControlClassButton, StyleTabStop | StyleCheckBox}},
-    {ControlKind::AutoCheckBox,
-     {ControlClassButton, StyleTabStop | StyleCheckBox | StyleAutoCheck}},
-    {ControlKind::Edit, {ControlClassEdit, StyleTabStop}},
-    {ControlKind::StaticLeft, {ControlClassStatic, 0}},
-    {ControlKind::StaticCentred, {ControlClassStatic, StyleCentred}},
-    {ControlKind::StaticRight, {ControlClassStatic, StyleRightAligned}},
-    {ControlKind::GroupBox, {ControlClassButton, StyleGroupBox}},
-    {ControlKind::ListView, {ControlClassListView, StyleTabStop}},
-    {ControlKind::ComboBoxWithEdit, {ControlClassComboBox, StyleTabStop | StyleDropDown}},
-    {ControlKind::TrackBar, {ControlClassTrackBar, StyleTabStop}},
-    {ControlKind::ProgressBar, {ControlClassProgressBar, 0}},
+constexpr KindStyle kindStyles[] = {
+    {ControlKind::PushButton, StyleTabStop},
+    {ControlKind::DefaultPushButton, StyleTabStop | StyleDefaultButton},
+    {ControlKind::CheckBox, StyleTabStop | StyleCheckBox},
+    {ControlKind::AutoCheckBox, StyleTabStop | StyleCheckBox | StyleAutoCheck},
+    {ControlKind::Edit, StyleTabStop},
+    {ControlKind::StaticCentred, StyleCentred},
+    {ControlKind::StaticRight, StyleRightAligned},
+    {ControlKind::GroupBox, StyleGroupBox},
+    {ControlKind::ListView, StyleTabStop},
+    {ControlKind::ComboBoxWithEdit, StyleTabStop | StyleDropDown},
+    {ControlKind::TrackBar, StyleTabStop},
 };
 
 constexpr DialogTemplate dynamicTemplate{
@@ -49,13 +46,13 @@ std::vector<std::span<const DialogTemplate>>& GetTables() {
 
 } // namespace
 
-ControlClass GetControlClass(ControlKind kind) {
-    for (const KindClass& entry : kindClasses) {
+uint32_t GetControlKindStyle(ControlKind kind) {
+    for (const KindStyle& entry : kindStyles) {
         if (entry.kind == kind) {
-            return entry.controlClass;
+            return entry.style;
         }
     }
-    return ControlClass{ControlClassStatic, 0};
+    return 0;
 }
 
 void RegisterDialogTemplates(std::span<const DialogTemplate> templates) {

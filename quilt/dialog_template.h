@@ -92,22 +92,8 @@ struct DialogTemplate {
     std::span<const DialogControlTemplate> controls;
 };
 
-// Names of the native control classes, the same for every backend; compared without regard to
-// case.
-inline constexpr char ControlClassButton[] = "button";
-inline constexpr char ControlClassEdit[] = "edit";
-inline constexpr char ControlClassStatic[] = "static";
-inline constexpr char ControlClassListView[] = "listview";
-inline constexpr char ControlClassComboBox[] = "combobox";
-inline constexpr char ControlClassTrackBar[] = "trackbar";
-inline constexpr char ControlClassProgressBar[] = "progressbar";
-
-// The native class that makes a kind of control, and the style bits that the kind implies.
-struct ControlClass {
-    const char* name;
-    uint32_t style;
-};
-ControlClass GetControlClass(ControlKind kind);
+// The style bits that a kind of control implies, beside those its template gives.
+uint32_t GetControlKindStyle(ControlKind kind);
 
 // A dialog built with this resource has no template of its own: it comes up as an empty dialog
 // of 100 by 100 dialog units, centred, and makes its controls by code.

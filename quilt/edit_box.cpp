@@ -5,6 +5,37 @@
 
 namespace quilt {
 
+namespace {
+
+struct EditEvent {
+    ControlEvent event;
+    int32_t kind;
+    bool carriesId;
+};
+
+constexpr EditEvent editEvents[] = {
+    {ControlEvent::FocusGained, MsgFocusGained, false},
+    {ControlEvent::FocusLost, MsgFocusLost, false},
+    {ControlEvent::TextChanged, MsgTextChange, true},
+    {ControlEvent::TextUpdated, MsgTextUpdate, true},
+};
+
+} // namespace
+
+NotificationAnswer EditBoxImp::TranslateNotification(const NativeNotification& notification,
+                                                     NotificationTranslation& out) {
+    for (const EditEvent& entry : editEvents) {
+        if (entry.event == notification.event) {
+            out.kind = entry.kind;
+            if (entry.carriesId) {
+                out.parameter = notification.id;
+            }
+            return AnswerDispatch;
+        }
+    }
+    return AnswerDefault;
+}
+
 EditBox::EditBox() : Window(GetImpFactory().CreateEditBoxImp()) {
     editImp = dynamic_cast<EditBoxImp*>(GetImp());
 }

@@ -32,6 +32,9 @@ public:
     virtual void SetBackColour(const Colour& colour) = 0;
     virtual void ResetTextColour() = 0;
     virtual void ResetBackColour() = 0;
+    // Focus and text events; a text event carries the box's id.
+    NotificationAnswer TranslateNotification(const NativeNotification& notification,
+                                             NotificationTranslation& out) override;
 };
 
 // An edit box. It can take Return for itself: then Return raises MsgEnterKey on the enter

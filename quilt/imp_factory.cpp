@@ -1,58 +1,147 @@
 #include "quilt/imp_factory.h"
 
+#include "quilt/gtk/gtk_application_imp.h"
+#include "quilt/gtk/gtk_control_imps.h"
+#include "quilt/gtk/gtk_dialog_imp.h"
+#include "quilt/gtk/gtk_gc_imp.h"
+#include "quilt/gtk/gtk_support.h"
+#include "quilt/gtk/gtk_window_imp.h"
 #include "quilt/offscreen/offscreen_application_imp.h"
 #include "quilt/offscreen/offscreen_control_imps.h"
 #include "quilt/offscreen/offscreen_dialog_imp.h"
 #include "quilt/offscreen/offscreen_gc_imp.h"
 #include "quilt/offscreen/offscreen_window_imp.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
 namespace quilt {
 
-namespace {
-
-constexpr BackendImps offscreenImps{
-    MakeImp<ApplicationImp, Offscreen_ApplicationImp>,
-    MakeImp<WindowImp, Offscreen_WindowImp>,
-    MakeImp<DialogImp, Offscreen_DialogImp>,
-    MakeImp<EditBoxImp, Offscreen_EditBoxImp>,
-    MakeImp<CheckBoxImp, Offscreen_CheckBoxImp>,
-    MakeImp<ButtonImp, Offscreen_ButtonImp>,
-    MakeImp<SliderImp, Offscreen_SliderImp>,
-    MakeImp<ProgressBarImp, Offscreen_ProgressBarImp>,
-    MakeImp<GCImp, Offscreen_GCImp>,
-    MakeImp<RedrawGCImp, Offscreen_RedrawGCImp>,
-    MakeImp<FontImp, Offscreen_FontImp>,
+// What one backend makes, and whether it can run here.
+struct BackendImps {
+    Backend backend;
+    const char* name; // its value of QUILT_PLATFORM
+    bool (*canOpenDisplay)();
+    std::unique_ptr<ApplicationImp> (*application)();
+    std::unique_ptr<WindowImp> (*window)();
+    std::unique_ptr<DialogImp> (*dialog)();
+    std::unique_ptr<EditBoxImp> (*editBox)();
+    std::unique_ptr<CheckBoxImp> (*checkBox)();
+    std::unique_ptr<ButtonImp> (*button)();
+    std::unique_ptr<SliderImp> (*slider)();
+    std::unique_ptr<ProgressBarImp> (*progressBar)();
+    std::unique_ptr<GCImp> (*gc)();
+    std::unique_ptr<RedrawGCImp> (*redrawGC)();
+    std::unique_ptr<FontImp> (*font)();
 };
 
-const BackendImps* desktopImps = nullptr;
-bool (*openDesktopDisplay)() = nullptr;
+namespace {
+
+template <class Abstract, class Platform> std::unique_ptr<Abstract> Make() {
+    return std::make_unique<Platform>();
+}
+
+bool NeedsNoDisplay() {
+    return true;
+}
+
+constexpr BackendImps headlessImps{
+    Backend::Headless,
+    "offscreen",
+    NeedsNoDisplay,
+    Make<ApplicationImp, Offscreen_ApplicationImp>,
+    Make<WindowImp, Offscreen_WindowImp>,
+    Make<DialogImp, Offscreen_DialogImp>,
+    Make<EditBoxImp, Offscreen_EditBoxImp>,
+    Make<CheckBoxImp, Offscreen_CheckBoxImp>,
+    Make<ButtonImp, Offscreen_ButtonImp>,
+    Make<SliderImp, Offscreen_SliderImp>,
+    Make<ProgressBarImp, Offscreen_ProgressBarImp>,
+    Make<GCImp, Offscreen_GCImp>,
+    Make<RedrawGCImp, Offscreen_RedrawGCImp>,
+    Make<FontImp, Offscreen_FontImp>,
+};
+
+constexpr BackendImps desktopImps{
+    Backend::Gtk,
+    "gtk",
+    OpenGtkDisplay,
+    Make<ApplicationImp, Gtk_ApplicationImp>,
+    Make<WindowImp, Gtk_WindowImp>,
+    Make<DialogImp, Gtk_DialogImp>,
+    Make<EditBoxImp, Gtk_EditBoxImp>,
+    Make<CheckBoxImp, Gtk_CheckBoxImp>,
+    Make<ButtonImp, Gtk_ButtonImp>,
+    Make<SliderImp, Gtk_SliderImp>,
+    Make<ProgressBarImp, Gtk_ProgressBarImp>,
+    Make<GCImp, Gtk_GCImp>,
+    Make<RedrawGCImp, Gtk_RedrawGCImp>,
+    Make<FontImp, Gtk_FontImp>,
+};
+
+// The backends of this build.
+const BackendImps* const builtBackends[] = {&headlessImps, &desktopImps};
+
+const BackendImps* FindBuilt(Backend backend) {
+    for (const BackendImps* imps : builtBackends) {
+        if (imps->backend == backend) {
+            return imps;
+        }
+    }
+    return nullptr;
+}
+
+const BackendImps* FindBuilt(const char* name) {
+    for (const BackendImps* imps : builtBackends) {
+        if (std::strcmp(imps->name, name) == 0) {
+            return imps;
+        }
+    }
+    return nullptr;
+}
+
+bool IsHeadlessRequested(const char* requested) {
+    return requested != nullptr && std::strcmp(requested, "offscreen") == 0;
+}
 
 // Asks the desktop only when it may be chosen, so that a run asked to be headless never
 // touches a display.
 bool IsDesktopAvailable(const char* requested) {
-    bool headless = requested != nullptr && std::strcmp(requested, "offscreen") == 0;
-    return !headless && desktopImps != nullptr && openDesktopDisplay();
+    const BackendImps* desktop = FindBuilt(Backend::Gtk);
+    return !IsHeadlessRequested(requested) && desktop != nullptr && desktop->canOpenDisplay();
 }
 
 } // namespace
 
 Backend ChooseBackend(const char* requested, bool desktopAvailable) {
-    if (requested != nullptr && std::strcmp(requested, "offscreen") == 0) {
-        return Backend::Offscreen;
+    if (IsHeadlessRequested(requested)) {
+        return Backend::Headless;
     }
-    return desktopAvailable ? Backend::Gtk : Backend::Offscreen;
+    return desktopAvailable ? Backend::Gtk : Backend::Headless;
+}
+
+const BackendImps& ImpFactory::GetImps() {
+    if (imps == nullptr) {
+        const char* requested = std::getenv("QUILT_PLATFORM");
+        imps = FindBuilt(ChooseBackend(requested, IsDesktopAvailable(requested)));
+    }
+    return *imps;
 }
 
 Backend ImpFactory::GetBackend() {
-    if (!chosen) {
-        const char* requested = std::getenv("QUILT_PLATFORM");
-        backend = ChooseBackend(requested, IsDesktopAvailable(requested));
-        chosen = true;
+    return GetImps().backend;
+}
+
+bool ImpFactory::CanRun() {
+    const char* requested = std::getenv("QUILT_PLATFORM");
+    if (requested == nullptr || std::strcmp(requested, "gtk") != 0 || FindBuilt(requested)) {
+        return true;
     }
-    return backend;
+    std::fputs("quilt: QUILT_PLATFORM=gtk asks for the desktop backend, which this build does not "
+               "have; unset it, or set QUILT_PLATFORM=offscreen\n",
+               stderr);
+    return false;
 }
 
 std::unique_ptr<ApplicationImp> ImpFactory::CreateApplicationImp() {
@@ -97,15 +186,6 @@ std::unique_ptr<RedrawGCImp> ImpFactory::CreateRedrawGCImp() {
 
 std::unique_ptr<FontImp> ImpFactory::CreateFontImp() {
     return GetImps().font();
-}
-
-const BackendImps& ImpFactory::GetImps() {
-    return GetBackend() == Backend::Gtk ? *desktopImps : offscreenImps;
-}
-
-void InstallDesktopBackend(const BackendImps& imps, bool (*openDisplay)()) {
-    desktopImps = &imps;
-    openDesktopDisplay = openDisplay;
 }
 
 ImpFactory& GetImpFactory() {

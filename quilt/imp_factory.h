@@ -17,32 +17,15 @@ class SliderImp;
 class WindowImp;
 
 enum class Backend {
-    Offscreen, // no display: windows live in memory, for headless runs and tests
-    Gtk,       // the desktop
+    Headless, // "offscreen": no display, windows live in memory, for headless runs and tests
+    Gtk,      // "gtk": the desktop
 };
 
 // `requested` is the value of QUILT_PLATFORM, null when unset; `desktopAvailable` says whether
 // the desktop backend is built and can open a display.
 Backend ChooseBackend(const char* requested, bool desktopAvailable);
 
-// What one backend makes.
-struct BackendImps {
-    std::unique_ptr<ApplicationImp> (*application)();
-    std::unique_ptr<WindowImp> (*window)();
-    std::unique_ptr<DialogImp> (*dialog)();
-    std::unique_ptr<EditBoxImp> (*editBox)();
-    std::unique_ptr<CheckBoxImp> (*checkBox)();
-    std::unique_ptr<ButtonImp> (*button)();
-    std::unique_ptr<SliderImp> (*slider)();
-    std::unique_ptr<ProgressBarImp> (*progressBar)();
-    std::unique_ptr<GCImp> (*gc)();
-    std::unique_ptr<RedrawGCImp> (*redrawGC)();
-    std::unique_ptr<FontImp> (*font)();
-};
-
-template <class Abstract, class Platform> std::unique_ptr<Abstract> MakeImp() {
-    return std::make_unique<Platform>();
-}
+struct BackendImps;
 
 // The one place that names a platform's Imp classes. Each operation gives up the new object to
 // the caller.
@@ -50,6 +33,9 @@ class ImpFactory {
 public:
     // Chosen on first use, for the life of the process.
     Backend GetBackend();
+    // False, with one line on standard error, when QUILT_PLATFORM asks for a backend that this
+    // build does not have; the process then has nothing to show its windows on.
+    bool CanRun();
 
     std::unique_ptr<ApplicationImp> CreateApplicationImp();
     std::unique_ptr<WindowImp> CreateWindowImp();
@@ -66,17 +52,9 @@ public:
 private:
     const BackendImps& GetImps();
 
-    bool chosen = false;
-    Backend backend = Backend::Offscreen;
+    const BackendImps* imps = nullptr;
 };
 
 ImpFactory& GetImpFactory();
-
-// The desktop backend, which the program's entry installs before anything is made; a process
-// that doesn't (the test programs, the command-line finder) has the headless one alone.
-// `openDisplay` answers whether a display opens.
-void InstallDesktopBackend(const BackendImps& imps, bool (*openDisplay)());
-// Defined by the desktop half of the factory, in quilt/gtk.
-void InstallGtkBackend();
 
 } // namespace quilt

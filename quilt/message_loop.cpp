@@ -12,7 +12,7 @@ MessageLoop::Outcome MessageLoop::Run(EventSource& source, Application& applicat
             return Outcome::Paused;
         }
         if (waiting) {
-            if (!source.WaitMessage()) {
+            if (!source.WaitMessage(std::nullopt)) {
                 return Outcome::Paused;
             }
             waiting = false;
@@ -32,7 +32,7 @@ MessageLoop::Outcome MessageLoop::Run(EventSource& source, Application& applicat
         if (!idlePending && !source.CanReceiveEvents()) {
             return Outcome::Paused;
         }
-        GetClock().Sleep(PollInterval);
+        source.WaitMessage(PollInterval);
     }
     return Outcome::Quit;
 }

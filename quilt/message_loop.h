@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 
 namespace quilt {
 
@@ -13,16 +14,18 @@ public:
     virtual ~EventSource() = default;
     // Serves every event that waits, and returns.
     virtual void PumpMessages() = 0;
-    // Blocks until an event waits. False when the wait ended without one, because no event can
-    // come or because whoever runs the loop asked for a pause.
-    virtual bool WaitMessage() = 0;
+    // Blocks until an event waits, or for at most `timeout` ms when one is given. False when the
+    // wait ended without an event: its time was up, no event can come, or whoever runs the loop
+    // asked for a pause.
+    virtual bool WaitMessage(std::optional<uint32_t> timeout) = 0;
     // False when no event can come any more, so a loop that polls would poll forever.
     virtual bool CanReceiveEvents() = 0;
 };
 
 // The main loop's rule: idle rounds only once more than 2,000 ms have passed without user input,
 // back to back while a handler wants more, then a wait for the next event; otherwise a poll every
-// 50 ms. Modal loops pump events without this loop, so no idle round ever runs inside one.
+// 50 ms, which blocks on the event source for those 50 ms and ends early when an event comes. Modal
+// loops pump events without this loop, so no idle round ever runs inside one.
 class MessageLoop {
 public:
     static constexpr uint32_t QuietPeriod = 2000;

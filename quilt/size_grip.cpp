@@ -8,7 +8,6 @@ namespace quilt {
 
 namespace {
 
-constexpr uint32_t VisibleChildStyle = 0x50000000;
 constexpr Colour RidgeShadow{128, 128, 128};
 constexpr Colour RidgeHighlight = White;
 
@@ -55,8 +54,8 @@ bool SizeGrip::CreateInCorner(Window& dialog) {
     if (!dialog.GetClientRect(client)) {
         return false;
     }
-    ChildControl childSpec{"STATIC",  loam::String(), VisibleChildStyle, GetGripRect(client),
-                           ControlId, false};
+    ChildControl childSpec{ControlKind::StaticLeft, loam::String(), 0,
+                           GetGripRect(client),     ControlId,      false};
     if (!CreateControl(&dialog, childSpec)) {
         return false;
     }

@@ -18,6 +18,9 @@ public:
     virtual void GetRange(int32_t& minimum, int32_t& maximum) = 0;
     virtual void SetPos(int32_t position) = 0;
     virtual int32_t GetPos() = 0;
+    // Each ScrollAction is a MsgSlider... kind.
+    NotificationAnswer TranslateNotification(const NativeNotification& notification,
+                                             NotificationTranslation& out) override;
 };
 
 // A track bar. What the user does with it reaches the dialog as the MsgSlider... kinds.

@@ -18,7 +18,7 @@ bool WindowImp::CreateFromResource(Window& window, Window* parent, int32_t kind,
 
 NotificationAnswer WindowImp::TranslateNotification(const NativeNotification& notification,
                                                     NotificationTranslation& out) {
-    if (notification.code != 0) {
+    if (notification.event != ControlEvent::Clicked) {
         return AnswerDefault;
     }
     out.kind = MsgClicked;
@@ -26,14 +26,13 @@ NotificationAnswer WindowImp::TranslateNotification(const NativeNotification& no
     return AnswerDispatch;
 }
 
-intptr_t WindowImp::OnNativeNotification(int32_t code, int32_t id, intptr_t data, uintptr_t word) {
+intptr_t WindowImp::OnNativeNotification(const NativeNotification& notification) {
     NotificationTranslation translation;
-    NotificationAnswer answer =
-        TranslateNotification(NativeNotification{code, id, data, word}, translation);
+    NotificationAnswer answer = TranslateNotification(notification, translation);
     if (answer == AnswerDispatch) {
         MessageTarget* target = commandTarget != nullptr ? commandTarget : owner;
         const int32_t* parameter = translation.parameter ? &*translation.parameter : nullptr;
-        return target->Dispatch(translation.kind, 0, id, parameter) ? 0 : NotHandled;
+        return target->Dispatch(translation.kind, 0, notification.id, parameter) ? 0 : NotHandled;
     }
     if (answer == AnswerHandled) {
         return 0;
@@ -42,6 +41,22 @@ intptr_t WindowImp::OnNativeNotification(int32_t code, int32_t id, intptr_t data
         return translation.result;
     }
     return NotHandled;
+}
+
+bool WindowImp::OnControlEvent(const NativeNotification& notification) {
+    if (!IsCommandEvent(notification.event)) {
+        return OnNativeNotification(notification) != NotHandled;
+    }
+    if (owner->OnCommand(notification.id)) {
+        return true;
+    }
+    Application* application = Application::GetCurrent();
+    return notification.event == ControlEvent::Accelerator && application != nullptr &&
+           application->OnCommand(notification.id);
+}
+
+bool WindowImp::OnNativeSize(int32_t width, int32_t height) {
+    return owner->OnSize(width, height);
 }
 
 int32_t WindowImp::GetDialogCode(KeyEventKind kind, int32_t value, int32_t previousCode) {

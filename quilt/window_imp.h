@@ -2,6 +2,7 @@
 
 #include "loam/resource.h"
 #include "loam/string.h"
+#include "quilt/dialog_template.h"
 #include "quilt/geometry.h"
 
 #include <cstdint>
@@ -47,14 +48,41 @@ enum NotificationAnswer : int32_t {
     AnswerResult = 3,   // handled, and the native result is given
 };
 
-// A control's notification as the native side received it. `code` and the two data words mean
-// what the backend's control classes say.
-struct NativeNotification {
-    int32_t code = 0;
-    int32_t id = 0;
-    intptr_t data = 0;
-    uintptr_t word = 0;
+// What a native control tells its parent, in the toolkit's terms. A backend maps its platform's
+// signals to these; the portable side routes and translates them.
+enum class ControlEvent : int32_t {
+    Clicked,     // a button was pressed: a command, then a click
+    Accelerator, // a key of the accelerator table gave the command
+    FocusGained,
+    FocusLost,
+    TextUpdated, // an edit box's text changed, before it is shown
+    TextChanged, // an edit box's text changed, after it is shown
+    Scrolled,    // a slider moved; the detail is a ScrollAction
 };
+
+// How a slider moved.
+enum ScrollAction : uint32_t {
+    ScrollLineUp,
+    ScrollLineDown,
+    ScrollPageUp,
+    ScrollPageDown,
+    ScrollThumbPosition,
+    ScrollThumbTrack,
+    ScrollTop,
+    ScrollBottom,
+    ScrollEndTrack,
+};
+
+struct NativeNotification {
+    ControlEvent event = ControlEvent::Clicked;
+    int32_t id = 0;      // the control's id
+    uint32_t detail = 0; // what the event says more, as its comment above tells
+};
+
+// A click and an accelerator are commands before they are notifications.
+inline bool IsCommandEvent(ControlEvent event) {
+    return event == ControlEvent::Clicked || event == ControlEvent::Accelerator;
+}
 
 struct NotificationTranslation {
     int32_t kind = 0;
@@ -68,15 +96,20 @@ enum KeyEventKind : int32_t {
     KeyEventChar,
 };
 
-// Added to a control's dialog code when it takes a key itself, so that its dialog does not
-// treat Return, Escape or Tab as dialog keys.
-constexpr int32_t DialogCodeWantAllKeys = 4;
+// A control's dialog code: which keys it takes itself before its dialog treats Return, Escape,
+// Tab or the arrows as dialog keys.
+enum DialogCode : int32_t {
+    DialogCodeWantArrows = 1 << 0,
+    DialogCodeWantTab = 1 << 1,
+    DialogCodeWantAllKeys = 1 << 2, // added when the owner takes the key or character itself
+    DialogCodeHasSetSel = 1 << 3,   // an edit box: focus by Tab selects all its text
+};
 
-// A control made by code rather than by a dialog template. `className` names the native control
-// class (the ControlClass... names of quilt/dialog_template.h), which each backend maps to its own
-// widget; `style` holds ControlStyle bits. Id -1 asks for the parent's first free id.
+// A control made by code rather than by a dialog template. Each backend makes its own widget for
+// the kind; `style` holds ControlStyle bits, those that the kind implies included. Id -1 asks for
+// the parent's first free id.
 struct ChildControl {
-    const char* className = "";
+    ControlKind kind = ControlKind::StaticLeft;
     loam::String title;
     uint32_t style = 0;
     Rect rect;
@@ -112,6 +145,7 @@ public:
     virtual void SetRect(const Rect& rect, bool repaint) = 0;
     virtual void Reposition(const Rect& rect, bool repaint) { SetRect(rect, repaint); }
     virtual void BringToTop() = 0;
+    virtual void SendToBottom() = 0;
     // Moves and sizes the window so that its client area is `rect`, relative to the present
     // client origin.
     virtual void SetClientRect(const Rect& rect) = 0;
@@ -160,12 +194,18 @@ public:
     virtual bool StartTimer(uint32_t id, uint32_t interval) = 0;
     virtual void StopTimer(uint32_t id) = 0;
 
-    // Turns a native notification into a toolkit kind. The default takes code 0 as a click
+    // Turns a control's event into a toolkit kind. The default takes a click as MsgClicked
     // that carries the control id.
     virtual NotificationAnswer TranslateNotification(const NativeNotification& notification,
                                                      NotificationTranslation& out);
     // The native result of a notification: NotHandled, or what the translation decided.
-    virtual intptr_t OnNativeNotification(int32_t code, int32_t id, intptr_t data, uintptr_t word);
+    intptr_t OnNativeNotification(const NativeNotification& notification);
+    // A backend reports here what a control of this window did; true when the toolkit finished
+    // it. A click or an accelerator is a command for the owner, an accelerator then for the
+    // application; any other event is translated and dispatched.
+    virtual bool OnControlEvent(const NativeNotification& notification);
+    // A backend reports the new client size here.
+    virtual bool OnNativeSize(int32_t width, int32_t height);
 
     // The dialog code of a key event: `previousCode` with DialogCodeWantAllKeys added when the
     // owner takes the key or character itself.
@@ -180,7 +220,7 @@ protected:
     virtual bool CreateNativeChild(Window& control, const ChildControl& childSpec, int32_t id) = 0;
     // Called by a backend when its native window has gone, after it has forgotten the handle:
     // the window's timers end, the main window's end quits the application, then OnDestroy.
-    void NotifyNativeDestroyed();
+    virtual void NotifyNativeDestroyed();
 
 private:
     Window* owner = nullptr;

@@ -40,6 +40,15 @@ public:
     // the result table keeps what it held, and the error stack says why.
     bool Start(IndexData* data, loam::String pattern, bool isRegExp, bool autoWildcards);
     int32_t RunSlice(quilt::JobController* controller, int32_t* percent) override;
+    // Takes the pass back to the first record of the index's table, keeping the expression and
+    // the results, so that it goes on over the next window of a windowed index. False when the
+    // pass ended before the end of the table, as it does when the matcher gives up on a name:
+    // that ends the search.
+    bool Rewind() {
+        const bool passed = index && cursor >= index->GetRecordCount();
+        cursor = 0;
+        return passed;
+    }
 
 private:
     bool Compile(const loam::String& text);

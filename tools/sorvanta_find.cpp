@@ -2,8 +2,7 @@
 // matching and the same settings.
 
 #include "app/resources/string_table.h"
-#include "app/sorvanta_app.h"
-#include "app/sorvanta_options.h"
+#include "app/settings.h"
 #include "index/index_data.h"
 #include "index/index_format.h"
 #include "index/index_status.h"
@@ -212,11 +211,12 @@ bool ParseArguments(int argc, char** argv, Request& request) {
 loam::FileSpec GetIndexFile(const Request& request) {
     if (request.indexFile)
         return loam::FileSpec(request.indexFile);
-    SorvantaOptions::LoadSettings();
-    return SorvantaApp::GetIndexFile();
+    SorvantaSettings::LoadSettings();
+    return SorvantaSettings::GetIndexFile();
 }
 
-// A finder's run is short, so the index is seen where it lies rather than copied.
+// A finder's run is short, so the index is seen where it lies rather than copied. What goes
+// through every record by its ordinal needs the whole table.
 bool LoadIndex(IndexData& index, const loam::FileSpec& file) {
     return index.Load(file, IndexSource::View);
 }
@@ -242,14 +242,29 @@ void WritePaths(Output& output, const IndexData& index, int32_t count, char term
     }
 }
 
+// A search goes through the records once, in file order, so the index is scanned a window at a
+// time, and the pass goes on from window to window. Nothing is printed before the last window
+// has been checked: a file refused at its end shows the refusal alone, as the loader would.
 int RunSearch(const Request& request) {
     IndexData index;
-    if (!LoadIndex(index, GetIndexFile(request)))
+    if (!index.Scan(GetIndexFile(request)))
         return FailWithTopError();
     IndexSearcher searcher;
-    if (!searcher.Start(&index, request.pattern, request.isRegExp, request.autoWildcards))
+    const bool started =
+        searcher.Start(&index, request.pattern, request.isRegExp, request.autoWildcards);
+    bool searching = started;
+    // A refused pattern is told only of an index that loads whole: a damaged record's failure
+    // goes on top of the pattern's.
+    while (index.GetRecordCount() > 0) {
+        if (searching) {
+            searcher.RunToEnd(nullptr);
+            searching = searcher.Rewind();
+        }
+        if (!index.TakeNextWindow())
+            return FailWithTopError();
+    }
+    if (!started)
         return FailWithTopError();
-    searcher.RunToEnd(nullptr);
     const int32_t found = index.GetResultCount();
     const int32_t shown = std::min(found, request.limit);
     Output output;

@@ -52,10 +52,28 @@ void Gtk_ApplicationImp::PumpMessages() {
     }
 }
 
-bool Gtk_ApplicationImp::WaitMessage() {
+// The context blocks in its poll until a source is ready; a timeout source of our own ends the
+// wait when its time is up, and tells that apart from an event.
+bool Gtk_ApplicationImp::WaitMessage(std::optional<uint32_t> timeout) {
     UpdateWaitCursor();
+    if (!timeout) {
+        g_main_context_iteration(nullptr, TRUE);
+        return true;
+    }
+    bool timedOut = false;
+    GSource* timer = g_timeout_source_new(*timeout);
+    g_source_set_callback(
+        timer,
+        [](gpointer flag) {
+            *static_cast<bool*>(flag) = true;
+            return G_SOURCE_REMOVE;
+        },
+        &timedOut, nullptr);
+    g_source_attach(timer, nullptr);
     g_main_context_iteration(nullptr, TRUE);
-    return true;
+    g_source_destroy(timer);
+    g_source_unref(timer);
+    return !timedOut;
 }
 
 void Gtk_ApplicationImp::Quit() {

@@ -3,6 +3,7 @@
 #include "quilt/application.h"
 
 #include <functional>
+#include <optional>
 
 namespace quilt {
 
@@ -13,7 +14,7 @@ class Gtk_ApplicationImp : public ApplicationImp {
 public:
     bool Initialise() override;
     void PumpMessages() override;
-    bool WaitMessage() override;
+    bool WaitMessage(std::optional<uint32_t> timeout) override;
     bool CanReceiveEvents() override { return true; }
     void Quit() override;
 

@@ -5,51 +5,51 @@
 #include "quilt/gtk/gtk_controls.h"
 #include "quilt/gtk/gtk_support.h"
 
-#include <iterator>
 #include <string>
-#include <strings.h>
 
 namespace quilt {
 
 namespace {
 
-bool IsOfClass(GtkWidget* widget, const char* className) {
+// The widget that holds a control's text, value or state, when `widget` stands for a control.
+GtkWidget* InnerOf(GtkWidget* widget) {
     GtkNative* native = FindNative(widget);
-    return native != nullptr && strcasecmp(native->className.c_str(), className) == 0;
+    return native != nullptr ? native->inner : nullptr;
 }
 
-bool CreateControl(Window& control, Window* parent, const char* className, uint32_t style,
+bool IsButtonWidget(GtkWidget* widget) {
+    GtkWidget* inner = InnerOf(widget);
+    return inner != nullptr && (GTK_IS_BUTTON(inner) || GTK_IS_FRAME(inner));
+}
+
+bool IsEditWidget(GtkWidget* widget) {
+    GtkWidget* inner = InnerOf(widget);
+    return inner != nullptr && (GTK_IS_ENTRY(inner) || GTK_IS_TEXT_VIEW(inner));
+}
+
+bool IsTrackBarWidget(GtkWidget* widget) {
+    GtkWidget* inner = InnerOf(widget);
+    return inner != nullptr && GTK_IS_SCALE(inner);
+}
+
+bool IsProgressBarWidget(GtkWidget* widget) {
+    GtkWidget* inner = InnerOf(widget);
+    return inner != nullptr && GTK_IS_PROGRESS_BAR(inner);
+}
+
+bool CreateControl(Window& control, Window* parent, ControlKind kind, uint32_t style,
                    const Rect& rect, int32_t id) {
     if (parent == nullptr) {
         return false;
     }
     ChildControl childSpec;
-    childSpec.className = className;
+    childSpec.kind = kind;
     childSpec.style = style;
     childSpec.rect = rect;
     childSpec.id = id;
     childSpec.tabStop = (style & StyleTabStop) != 0;
     return parent->GetImp()->CreateChildControl(control, childSpec);
 }
-
-struct EditNotification {
-    int32_t code;
-    int32_t kind;
-    bool carriesId;
-};
-
-constexpr EditNotification editNotifications[] = {
-    {GtkNotifyEditSetFocus, MsgFocusGained, false},
-    {GtkNotifyEditKillFocus, MsgFocusLost, false},
-    {GtkNotifyEditChange, MsgTextChange, true},
-    {GtkNotifyEditUpdate, MsgTextUpdate, true},
-};
-
-// The kind of each scroll code, in the order of the codes.
-constexpr int32_t sliderKinds[] = {
-    MsgSliderLineUp, MsgSliderLineDown, MsgSliderPageUp, MsgSliderPageDown, MsgSliderThumbPosition,
-    MsgSliderTrack,  MsgSliderTop,      MsgSliderBottom, MsgSliderEndTrack,
-};
 
 std::string ToCss(const Colour& colour) {
     char text[8];
@@ -60,7 +60,7 @@ std::string ToCss(const Colour& colour) {
 } // namespace
 
 bool Gtk_ButtonImp::Create(Window* parent, const Rect& rect, int32_t id) {
-    return CreateControl(*GetOwner(), parent, ControlClassButton, StyleTabStop, rect, id);
+    return CreateControl(*GetOwner(), parent, ControlKind::PushButton, StyleTabStop, rect, id);
 }
 
 bool Gtk_ButtonImp::IsPushed() {
@@ -70,7 +70,7 @@ bool Gtk_ButtonImp::IsPushed() {
 }
 
 bool Gtk_ButtonImp::Attach(GtkWidget* native) {
-    return IsOfClass(native, ControlClassButton) && Gtk_WindowImp::Attach(native);
+    return IsButtonWidget(native) && Gtk_WindowImp::Attach(native);
 }
 
 int32_t Gtk_CheckBoxImp::GetState() {
@@ -78,32 +78,17 @@ int32_t Gtk_CheckBoxImp::GetState() {
 }
 
 void Gtk_CheckBoxImp::SetState(int32_t state) {
-    bool known = state == CheckStateChecked || state == CheckStateIndeterminate;
-    int32_t wanted = known ? state : CheckStateUnchecked;
-    if (GetWidget() == nullptr || GetState() == wanted) {
-        return;
-    }
-    SetCheckState(GetWidget(), wanted);
-    if (auto* checkBox = dynamic_cast<CheckBox*>(GetOwner())) {
-        checkBox->OnStateChanged();
+    if (GetWidget() != nullptr) {
+        SetCheckState(GetWidget(), state);
     }
 }
 
 bool Gtk_CheckBoxImp::Create(Window* parent, const Rect& rect, int32_t id) {
-    return CreateControl(*GetOwner(), parent, ControlClassButton, StyleCheckBox, rect, id);
+    return CreateControl(*GetOwner(), parent, ControlKind::CheckBox, StyleCheckBox, rect, id);
 }
 
 bool Gtk_CheckBoxImp::Attach(GtkWidget* native) {
-    return IsOfClass(native, ControlClassButton) && Gtk_WindowImp::Attach(native);
-}
-
-NotificationAnswer Gtk_CheckBoxImp::TranslateNotification(const NativeNotification& notification,
-                                                          NotificationTranslation& out) {
-    auto* checkBox = dynamic_cast<CheckBox*>(GetOwner());
-    if (notification.code == GtkNotifyClicked && checkBox != nullptr) {
-        checkBox->OnClicked();
-    }
-    return WindowImp::TranslateNotification(notification, out);
+    return IsButtonWidget(native) && Gtk_WindowImp::Attach(native);
 }
 
 GtkWidget* Gtk_EditBoxImp::GetInner() const {
@@ -112,7 +97,7 @@ GtkWidget* Gtk_EditBoxImp::GetInner() const {
 }
 
 bool Gtk_EditBoxImp::Create(Window* parent, const Rect& rect) {
-    return CreateControl(*GetOwner(), parent, ControlClassEdit, StyleBorder | StyleTabStop, rect,
+    return CreateControl(*GetOwner(), parent, ControlKind::Edit, StyleBorder | StyleTabStop, rect,
                          -1);
 }
 
@@ -268,21 +253,7 @@ void Gtk_EditBoxImp::ResetBackColour() {
 }
 
 bool Gtk_EditBoxImp::Attach(GtkWidget* native) {
-    return IsOfClass(native, ControlClassEdit) && Gtk_WindowImp::Attach(native);
-}
-
-NotificationAnswer Gtk_EditBoxImp::TranslateNotification(const NativeNotification& notification,
-                                                         NotificationTranslation& out) {
-    for (const EditNotification& entry : editNotifications) {
-        if (entry.code == notification.code) {
-            out.kind = entry.kind;
-            if (entry.carriesId) {
-                out.parameter = notification.id;
-            }
-            return AnswerDispatch;
-        }
-    }
-    return AnswerDefault;
+    return IsEditWidget(native) && Gtk_WindowImp::Attach(native);
 }
 
 GtkRange* Gtk_SliderImp::GetRange() const {
@@ -291,7 +262,7 @@ GtkRange* Gtk_SliderImp::GetRange() const {
 }
 
 bool Gtk_SliderImp::Create(Window* parent, const Rect& rect) {
-    return CreateControl(*GetOwner(), parent, ControlClassTrackBar, StyleBorder | StyleTabStop,
+    return CreateControl(*GetOwner(), parent, ControlKind::TrackBar, StyleBorder | StyleTabStop,
                          rect, -1);
 }
 
@@ -322,16 +293,7 @@ int32_t Gtk_SliderImp::GetPos() {
 }
 
 bool Gtk_SliderImp::Attach(GtkWidget* native) {
-    return IsOfClass(native, ControlClassTrackBar) && Gtk_WindowImp::Attach(native);
-}
-
-NotificationAnswer Gtk_SliderImp::TranslateNotification(const NativeNotification& notification,
-                                                        NotificationTranslation& out) {
-    if (notification.code != GtkNotifyScroll || notification.word >= std::size(sliderKinds)) {
-        return AnswerDefault;
-    }
-    out.kind = sliderKinds[notification.word];
-    return AnswerDispatch;
+    return IsTrackBarWidget(native) && Gtk_WindowImp::Attach(native);
 }
 
 void Gtk_ProgressBarImp::SetRange(int32_t minimum, int32_t maximum) {
@@ -349,11 +311,11 @@ void Gtk_ProgressBarImp::SetPos(int32_t value) {
 }
 
 bool Gtk_ProgressBarImp::Create(Window* parent, const Rect& rect, int32_t id) {
-    return CreateControl(*GetOwner(), parent, ControlClassProgressBar, StyleBorder, rect, id);
+    return CreateControl(*GetOwner(), parent, ControlKind::ProgressBar, StyleBorder, rect, id);
 }
 
 bool Gtk_ProgressBarImp::Attach(GtkWidget* native) {
-    return IsOfClass(native, ControlClassProgressBar) && Gtk_WindowImp::Attach(native);
+    return IsProgressBarWidget(native) && Gtk_WindowImp::Attach(native);
 }
 
 } // namespace quilt

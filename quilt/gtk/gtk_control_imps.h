@@ -29,9 +29,6 @@ public:
     void SetState(int32_t state) override;
     bool Create(Window* parent, const Rect& rect, int32_t id) override;
     bool Attach(GtkWidget* native) override;
-    // A click reaches the check box before its dialog.
-    NotificationAnswer TranslateNotification(const NativeNotification& notification,
-                                             NotificationTranslation& out) override;
 };
 
 class Gtk_EditBoxImp : public EditBoxImp, public Gtk_WindowImp {
@@ -50,8 +47,6 @@ public:
     void ResetTextColour() override;
     void ResetBackColour() override;
     bool Attach(GtkWidget* native) override;
-    NotificationAnswer TranslateNotification(const NativeNotification& notification,
-                                             NotificationTranslation& out) override;
 
 private:
     GtkWidget* GetInner() const;
@@ -72,8 +67,6 @@ public:
     void SetPos(int32_t position) override;
     int32_t GetPos() override;
     bool Attach(GtkWidget* native) override;
-    NotificationAnswer TranslateNotification(const NativeNotification& notification,
-                                             NotificationTranslation& out) override;
 
 private:
     GtkRange* GetRange() const;

@@ -6,15 +6,13 @@
 #include "quilt/gtk/gtk_window_imp.h"
 #include "quilt/progress_bar.h"
 
-#include <strings.h>
-
 namespace quilt {
 
 namespace {
 
-// A native class and what makes its widget.
+// A kind of control and what makes its widget.
 struct ControlMaker {
-    const char* className;
+    ControlKind kind;
     GtkWidget* (*make)(GtkNative& native, uint32_t style, const char* text);
 };
 
@@ -23,9 +21,9 @@ bool IsQuiet(GtkWidget* widget) {
     return native == nullptr || native->quiet;
 }
 
-void Notify(GtkWidget* widget, int32_t code, uint32_t detail = 0) {
+void Notify(GtkWidget* widget, ControlEvent event, uint32_t detail = 0) {
     if (!IsQuiet(widget)) {
-        DeliverNotification(widget, code, detail);
+        DeliverNotification(widget, event, detail);
     }
 }
 
@@ -43,38 +41,38 @@ void OnButtonClicked(GtkButton* button, gpointer) {
         gtk_toggle_button_set_active(toggle, !gtk_toggle_button_get_active(toggle));
         native->quiet = false;
     }
-    DeliverNotification(widget, GtkNotifyClicked, 0);
+    DeliverNotification(widget, ControlEvent::Clicked, 0);
 }
 
 void OnEditChanged(GtkWidget* widget) {
-    Notify(widget, GtkNotifyEditUpdate);
-    Notify(widget, GtkNotifyEditChange);
+    Notify(widget, ControlEvent::TextUpdated);
+    Notify(widget, ControlEvent::TextChanged);
 }
 
 gboolean OnEditFocusIn(GtkWidget* widget, GdkEvent*, gpointer) {
-    Notify(widget, GtkNotifyEditSetFocus);
+    Notify(widget, ControlEvent::FocusGained);
     return FALSE;
 }
 
 gboolean OnEditFocusOut(GtkWidget* widget, GdkEvent*, gpointer) {
-    Notify(widget, GtkNotifyEditKillFocus);
+    Notify(widget, ControlEvent::FocusLost);
     return FALSE;
 }
 
 struct ScrollKind {
     GtkScrollType type;
-    GtkScrollCode code;
+    ScrollAction action;
 };
 
 constexpr ScrollKind scrollKinds[] = {
-    {GTK_SCROLL_STEP_BACKWARD, GtkScrollLineUp}, {GTK_SCROLL_STEP_LEFT, GtkScrollLineUp},
-    {GTK_SCROLL_STEP_UP, GtkScrollLineUp},       {GTK_SCROLL_STEP_FORWARD, GtkScrollLineDown},
-    {GTK_SCROLL_STEP_RIGHT, GtkScrollLineDown},  {GTK_SCROLL_STEP_DOWN, GtkScrollLineDown},
-    {GTK_SCROLL_PAGE_BACKWARD, GtkScrollPageUp}, {GTK_SCROLL_PAGE_LEFT, GtkScrollPageUp},
-    {GTK_SCROLL_PAGE_UP, GtkScrollPageUp},       {GTK_SCROLL_PAGE_FORWARD, GtkScrollPageDown},
-    {GTK_SCROLL_PAGE_RIGHT, GtkScrollPageDown},  {GTK_SCROLL_PAGE_DOWN, GtkScrollPageDown},
-    {GTK_SCROLL_JUMP, GtkScrollThumbTrack},      {GTK_SCROLL_START, GtkScrollTop},
-    {GTK_SCROLL_END, GtkScrollBottom},
+    {GTK_SCROLL_STEP_BACKWARD, ScrollLineUp}, {GTK_SCROLL_STEP_LEFT, ScrollLineUp},
+    {GTK_SCROLL_STEP_UP, ScrollLineUp},       {GTK_SCROLL_STEP_FORWARD, ScrollLineDown},
+    {GTK_SCROLL_STEP_RIGHT, ScrollLineDown},  {GTK_SCROLL_STEP_DOWN, ScrollLineDown},
+    {GTK_SCROLL_PAGE_BACKWARD, ScrollPageUp}, {GTK_SCROLL_PAGE_LEFT, ScrollPageUp},
+    {GTK_SCROLL_PAGE_UP, ScrollPageUp},       {GTK_SCROLL_PAGE_FORWARD, ScrollPageDown},
+    {GTK_SCROLL_PAGE_RIGHT, ScrollPageDown},  {GTK_SCROLL_PAGE_DOWN, ScrollPageDown},
+    {GTK_SCROLL_JUMP, ScrollThumbTrack},      {GTK_SCROLL_START, ScrollTop},
+    {GTK_SCROLL_END, ScrollBottom},
 };
 
 // Runs after the range took the value, so that the dialog reads the new position. A drag ends
@@ -85,9 +83,9 @@ gboolean OnScaleChanged(GtkRange* range, GtkScrollType type, gdouble, gpointer) 
         if (kind.type != type) {
             continue;
         }
-        Notify(widget, GtkNotifyScroll, kind.code);
-        if (kind.code != GtkScrollThumbTrack) {
-            Notify(widget, GtkNotifyScroll, GtkScrollEndTrack);
+        Notify(widget, ControlEvent::Scrolled, kind.action);
+        if (kind.action != ScrollThumbTrack) {
+            Notify(widget, ControlEvent::Scrolled, ScrollEndTrack);
         } else {
             g_object_set_data(G_OBJECT(widget), "quilt-dragging", GINT_TO_POINTER(1));
         }
@@ -98,8 +96,8 @@ gboolean OnScaleChanged(GtkRange* range, GtkScrollType type, gdouble, gpointer) 
 gboolean OnScaleReleased(GtkWidget* widget, GdkEvent*, gpointer) {
     if (g_object_get_data(G_OBJECT(widget), "quilt-dragging") != nullptr) {
         g_object_set_data(G_OBJECT(widget), "quilt-dragging", nullptr);
-        Notify(widget, GtkNotifyScroll, GtkScrollThumbPosition);
-        Notify(widget, GtkNotifyScroll, GtkScrollEndTrack);
+        Notify(widget, ControlEvent::Scrolled, ScrollThumbPosition);
+        Notify(widget, ControlEvent::Scrolled, ScrollEndTrack);
     }
     return FALSE;
 }
@@ -190,9 +188,10 @@ GtkWidget* MakeProgressBar(GtkNative&, uint32_t, const char*) {
 }
 
 constexpr ControlMaker controlMakers[] = {
-    {ControlClassButton, MakeButton},           {ControlClassEdit, MakeEdit},
-    {ControlClassStatic, MakeStatic},           {ControlClassTrackBar, MakeTrackBar},
-    {ControlClassProgressBar, MakeProgressBar},
+    {ControlKind::PushButton, MakeButton}, {ControlKind::DefaultPushButton, MakeButton},
+    {ControlKind::CheckBox, MakeButton},   {ControlKind::AutoCheckBox, MakeButton},
+    {ControlKind::GroupBox, MakeButton},   {ControlKind::Edit, MakeEdit},
+    {ControlKind::TrackBar, MakeTrackBar}, {ControlKind::ProgressBar, MakeProgressBar},
 };
 
 GtkWidget* InnerOf(GtkWidget* control) {
@@ -202,20 +201,19 @@ GtkWidget* InnerOf(GtkWidget* control) {
 
 } // namespace
 
-GtkWidget* MakeControl(const char* className, uint32_t style, const char* text) {
+GtkWidget* MakeControl(ControlKind kind, uint32_t style, const char* text) {
     GtkNative probe;
     GtkWidget* widget = nullptr;
     for (const ControlMaker& maker : controlMakers) {
-        if (strcasecmp(maker.className, className) == 0) {
+        if (maker.kind == kind) {
             widget = maker.make(probe, style, text);
             break;
         }
     }
     if (widget == nullptr) {
-        widget = MakeStatic(probe, 0, text);
+        widget = MakeStatic(probe, style, text);
     }
     GtkNative& native = AttachNative(widget);
-    native.className = className;
     native.style = style;
     native.inner = probe.inner != nullptr ? probe.inner : widget;
     if ((style & StyleTabStop) == 0) {

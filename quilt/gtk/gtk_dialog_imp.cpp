@@ -7,6 +7,7 @@
 #include "quilt/gtk/gtk_controls.h"
 #include "quilt/gtk/gtk_support.h"
 #include "quilt/keys.h"
+#include "quilt/size_grip.h"
 
 #include <algorithm>
 
@@ -103,67 +104,29 @@ const Gtk_DialogImp::DialogKey Gtk_DialogImp::dialogKeys[] = {
     {KeyTab, &Gtk_DialogImp::MoveFocus},
 };
 
-int32_t Gtk_DialogImp::RunModal(const loam::ResourceId& resource, Window* parent, bool centre) {
-    if (GetWidget() != nullptr || running) {
-        return -1;
-    }
-    centreOnInit = centre;
-    modal = true;
-    running = true;
-    ended = false;
-    result = -1;
-    if (!MakeDialog(resource, parent, false)) {
-        running = false;
-        return -1;
+bool Gtk_DialogImp::RunNativeModal(const loam::ResourceId& resource, Window* parent) {
+    if (!CreateNativeDialog(resource, parent, false)) {
+        return false;
     }
     if (GtkWidget* window = GetWidget()) {
         gtk_window_set_modal(GTK_WINDOW(window), TRUE);
     }
     RunGtkModalLoop([this] { return IsModalRunning(); });
     Destroy();
-    running = false;
     if (GtkWidget* owner = GetWidgetOf(parent)) {
         gtk_window_present(GTK_WINDOW(gtk_widget_get_toplevel(owner)));
     }
-    return result;
+    return true;
 }
 
-NativeHandle Gtk_DialogImp::RunModeless(const loam::ResourceId& resource, Window* parent,
-                                        bool centre) {
-    if (GetWidget() != nullptr || running) {
-        return nullptr;
-    }
-    modal = false;
-    centreOnInit = centre;
-    creating = true;
-    bool made = MakeDialog(resource, parent, false);
-    creating = false;
-    if (deletionPending) {
-        delete GetOwner();
-        return nullptr;
-    }
-    return made ? GetNativeHandle() : nullptr;
-}
-
-void Gtk_DialogImp::EndDialog(int32_t code) {
-    if (!modal) {
-        Destroy();
-        return;
-    }
-    if (running && !ended) {
-        result = code;
-        ended = true;
-    }
+void Gtk_DialogImp::EndNativeModal() {
     if (GtkWidget* window = GetWidget()) {
         gtk_widget_hide(window);
     }
 }
 
-bool Gtk_DialogImp::CreateChildDialog(const loam::ResourceId& resource, Window* parent) {
-    return GetWidget() == nullptr && !running && MakeDialog(resource, parent, true);
-}
-
-bool Gtk_DialogImp::MakeDialog(const loam::ResourceId& resource, Window* parent, bool asChild) {
+bool Gtk_DialogImp::CreateNativeDialog(const loam::ResourceId& resource, Window* parent,
+                                       bool asChild) {
     dialogTemplate = FindDialogTemplate(resource);
     GtkNative* parentNative = FindNative(GetWidgetOf(parent));
     if (dialogTemplate == nullptr || (asChild && parentNative == nullptr)) {
@@ -181,8 +144,44 @@ bool Gtk_DialogImp::MakeDialog(const loam::ResourceId& resource, Window* parent,
     if (!asChild && (dialogTemplate->style & DialogStyleCentre) != 0) {
         Gtk_WindowImp::Center();
     }
-    InitDialog();
+    StartDialog((dialogTemplate->style & DialogStyleSizingFrame) != 0);
     return GetWidget() != nullptr;
+}
+
+// The least size holds from the first showing on, once OnInitDialog has set the dialog's sizes.
+void Gtk_DialogImp::Show(int32_t mode) {
+    if (mode == ShowModeHide) {
+        Gtk_WindowImp::Show(mode);
+        return;
+    }
+    LimitSize();
+    Gtk_WindowImp::Show(mode);
+    if (GtkWidget* window = GetWidget(); window != nullptr && GTK_IS_WINDOW(window)) {
+        gtk_window_present(GTK_WINDOW(window));
+    }
+}
+
+void Gtk_DialogImp::GetChildRects(std::vector<Rect>& rects) {
+    GList* children = gtk_container_get_children(GTK_CONTAINER(GetClientArea()));
+    for (GList* item = children; item != nullptr; item = item->next) {
+        if (GtkNative* native = FindNative(GTK_WIDGET(item->data))) {
+            rects.push_back(native->rect);
+        }
+    }
+    g_list_free(children);
+}
+
+bool Gtk_DialogImp::HasFocusWithin() {
+    GtkWidget* window = gtk_widget_get_toplevel(GetWidget());
+    GtkWidget* focus = GTK_IS_WINDOW(window) ? gtk_window_get_focus(GTK_WINDOW(window)) : nullptr;
+    return focus != nullptr && (focus == GetWidget() || gtk_widget_is_ancestor(focus, GetWidget()));
+}
+
+void Gtk_DialogImp::FocusFirstTabStop() {
+    std::vector<GtkWidget*> stops = GetTabStops();
+    if (!stops.empty()) {
+        gtk_widget_grab_focus(FindNative(stops.front())->inner);
+    }
 }
 
 GtkWidget* Gtk_DialogImp::MakeNativeDialog(Window* parent, bool asChild, const DialogUnits& units) {
@@ -192,7 +191,6 @@ GtkWidget* Gtk_DialogImp::MakeNativeDialog(Window* parent, bool asChild, const D
     if (asChild) {
         gtk_widget_set_has_window(area, TRUE);
         GtkNative& native = AttachNative(area);
-        native.className = "dialog";
         native.clientArea = area;
         PlaceControl(FindNative(GetWidgetOf(parent))->clientArea, area, 0,
                      Rect{0, 0, width, height});
@@ -200,7 +198,6 @@ GtkWidget* Gtk_DialogImp::MakeNativeDialog(Window* parent, bool asChild, const D
     }
     GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
     GtkNative& native = AttachNative(window);
-    native.className = "dialog";
     native.clientArea = area;
     gtk_style_context_add_class(gtk_widget_get_style_context(window), "quilt-dialog");
     gtk_window_set_title(GTK_WINDOW(window), ToDisplayText(dialogTemplate->title).c_str());
@@ -230,70 +227,14 @@ GtkWidget* Gtk_DialogImp::MakeNativeDialog(Window* parent, bool asChild, const D
 
 void Gtk_DialogImp::AddControls(GtkWidget* clientArea, const DialogUnits& units) {
     for (const DialogControlTemplate& control : dialogTemplate->controls) {
-        ControlClass controlClass = GetControlClass(control.kind);
-        GtkWidget* widget =
-            MakeControl(controlClass.name, controlClass.style | control.style, control.text);
+        uint32_t style = GetControlKindStyle(control.kind) | control.style;
+        GtkWidget* widget = MakeControl(control.kind, style, control.text);
         PlaceControl(clientArea, widget, control.id, units.ToPixels(control.rect.ToRect()));
-        if (((controlClass.style | control.style) & StyleDefaultButton) != 0) {
+        if ((style & StyleDefaultButton) != 0) {
             gtk_widget_grab_default(widget);
         }
     }
     TieLabels(clientArea);
-}
-
-void Gtk_DialogImp::InitDialog() {
-    Dialog* dialog = nullptr;
-    if (!GetOwner()->AsDialog(&dialog)) {
-        return;
-    }
-    dialog->InitDialog();
-    if (GetWidget() == nullptr || (running && ended)) {
-        return;
-    }
-    if ((dialogTemplate->style & DialogStyleSizingFrame) != 0 && useSizeGrip) {
-        CreateSizeGrip(*dialog);
-    }
-    LimitSize();
-    if (centreOnInit) {
-        Center();
-    }
-    GtkWidget* window = GetWidget();
-    if (GTK_IS_WINDOW(window) && gtk_window_get_focus(GTK_WINDOW(window)) == nullptr) {
-        std::vector<GtkWidget*> stops = GetTabStops();
-        if (!stops.empty()) {
-            gtk_widget_grab_focus(FindNative(stops.front())->inner);
-        }
-    }
-    Show(ShowModeShow);
-    if (GTK_IS_WINDOW(window)) {
-        gtk_window_present(GTK_WINDOW(window));
-    }
-}
-
-// No control may cover the grip: the dialog grows below its lowest control instead, and its
-// initial size grows with it so that the layout starts from the grown size.
-void Gtk_DialogImp::CreateSizeGrip(Dialog& dialog) {
-    Rect client;
-    GetClientRect(client);
-    std::vector<Rect> controls;
-    GList* children = gtk_container_get_children(GTK_CONTAINER(GetClientArea()));
-    for (GList* item = children; item != nullptr; item = item->next) {
-        if (GtkNative* native = FindNative(GTK_WIDGET(item->data))) {
-            controls.push_back(native->rect);
-        }
-    }
-    g_list_free(children);
-    int32_t growth = GetSizeGripGrowth(client, controls);
-    if (growth > 0) {
-        dialog.GrowInitialSize(0, growth);
-        client.bottom += growth;
-        SetClientRect(client);
-    }
-    if (GetWidget() == nullptr) {
-        return;
-    }
-    sizeGrip = std::make_unique<SizeGrip>();
-    sizeGrip->CreateInCorner(*GetOwner());
 }
 
 // A dialog that the owner holds to a least size can't be made smaller on the screen.
@@ -318,7 +259,7 @@ void Gtk_DialogImp::LimitSize() {
 }
 
 bool Gtk_DialogImp::IsModalRunning() const {
-    return !ended && GetWidget() != nullptr && !IsApplicationQuitting();
+    return !HasRunEnded() && GetWidget() != nullptr && !IsApplicationQuitting();
 }
 
 void Gtk_DialogImp::EnableControl(int32_t id, bool enable) {
@@ -442,7 +383,7 @@ void Gtk_DialogImp::MapDialogRect(Rect& rect) {
 
 void Gtk_DialogImp::SetRect(const Rect& rect, bool repaint) {
     Gtk_WindowImp::SetRect(rect, repaint);
-    centreOnInit = false;
+    KeepPlacement();
 }
 
 bool Gtk_DialogImp::OnKeyEvent(const GdkEventKey& event) {
@@ -463,7 +404,8 @@ bool Gtk_DialogImp::OnKeyEvent(const GdkEventKey& event) {
     int32_t code = target != nullptr && target != this
                        ? target->GetDialogCode(KeyEventDown, key, nativeCode)
                        : nativeCode;
-    if ((code & DialogCodeWantAllKeys) != 0) {
+    bool wantsTab = key == KeyTab && (code & DialogCodeWantTab) != 0;
+    if ((code & DialogCodeWantAllKeys) != 0 || wantsTab) {
         return Gtk_WindowImp::OnKeyEvent(event);
     }
     (this->*dialogKey->press)(focus, modifiers);
@@ -515,62 +457,13 @@ std::vector<GtkWidget*> Gtk_DialogImp::GetTabStops() const {
 }
 
 void Gtk_DialogImp::SendCommand(int32_t id) {
-    OnControlNotification(FindControl(id), GtkNotifyClicked, id, 0);
-}
-
-// A command goes to the command target, or to the dialog unless it is the main window, then to
-// the application; every notification, a click included, is then translated and dispatched.
-void Gtk_DialogImp::OnControlNotification(GtkWidget* control, int32_t code, int32_t id,
-                                          uint32_t detail) {
-    if (code == GtkNotifyClicked) {
-        MessageTarget* target = GetCommandTarget();
-        if (target == nullptr && GetOwner() != Application::GetMainWindow()) {
-            target = GetOwner();
-        }
-        if (target != nullptr && target->OnCommand(id)) {
-            return;
-        }
-        Application* application = Application::GetCurrent();
-        if (application != nullptr && application->OnCommand(id)) {
-            return;
-        }
-    }
-    OnNativeNotification(code, id, reinterpret_cast<intptr_t>(control), detail);
+    OnControlEvent(NativeNotification{ControlEvent::Clicked, id, 0});
 }
 
 void Gtk_DialogImp::OnCloseRequest() {
     if (!GetOwner()->OnClose()) {
         SendCommand(IdCancel);
     }
-}
-
-void Gtk_DialogImp::OnNativeGone() {
-    bool deletesItself = !modal && !ownerGone && Application::GetMainWindow() != GetOwner();
-    Gtk_WindowImp::OnNativeGone();
-    if (!deletesItself) {
-        return;
-    }
-    if (creating) {
-        deletionPending = true;
-        return;
-    }
-    delete GetOwner();
-}
-
-void Gtk_DialogImp::OnConfigure(int32_t width, int32_t height) {
-    if (sizeGrip != nullptr) {
-        sizeGrip->MoveToCorner(width, height);
-    }
-    Gtk_WindowImp::OnConfigure(width, height);
-}
-
-NotificationAnswer Gtk_DialogImp::TranslateNotification(const NativeNotification& notification,
-                                                        NotificationTranslation& out) {
-    GtkNative* native = notification.id != 0 ? FindNative(FindControl(notification.id)) : nullptr;
-    if (native != nullptr && native->imp != nullptr) {
-        return native->imp->TranslateNotification(notification, out);
-    }
-    return WindowImp::TranslateNotification(notification, out);
 }
 
 GtkWidget* Gtk_DialogImp::FindControl(int32_t id) const {
@@ -586,11 +479,12 @@ DialogUnits Gtk_DialogImp::GetUnits() const {
     return DialogUnits(font);
 }
 
-// The grip's corner is the dialog's sizing corner, wherever the grip is drawn.
+// The grip's corner of a resizable dialog is its sizing corner, wherever the grip is drawn.
 gboolean Gtk_DialogImp::OnGripPress(GtkWidget* window, GdkEventButton* event, gpointer data) {
     auto* imp = static_cast<Gtk_DialogImp*>(data);
     Rect client;
-    if (imp->sizeGrip == nullptr || event->button != 1 || !imp->GetClientRect(client)) {
+    if (!gtk_window_get_resizable(GTK_WINDOW(window)) || event->button != 1 ||
+        !imp->GetClientRect(client)) {
         return FALSE;
     }
     Point point{static_cast<int32_t>(event->x), static_cast<int32_t>(event->y)};

@@ -17,7 +17,6 @@ class Gtk_WindowImp;
 struct GtkNative {
     int32_t id = 0;
     uint32_t style = 0; // ControlStyle bits for a control
-    std::string className;
     // In the parent's client coordinates as last placed; the client size for a top-level window.
     Rect rect;
     // The widget that holds the text, value or state: a scrolled window's text view, the

@@ -161,12 +161,10 @@ bool Gtk_WindowImp::Create(Window&, Window* parentWindow, int32_t kind, const lo
         gtk_widget_set_has_window(created, TRUE);
         GtkNative& native = AttachNative(created);
         native.clientArea = created;
-        native.className = "quiltChildWindow";
         PlaceControl(parentNative->clientArea, created, createdChildId, createdWindowRect);
     } else {
         created = gtk_window_new(GTK_WINDOW_TOPLEVEL);
         GtkNative& native = AttachNative(created);
-        native.className = "quiltWindow";
         native.clientArea = NewClientArea();
         native.rect = createdWindowRect;
         gtk_container_add(GTK_CONTAINER(created), native.clientArea);
@@ -252,6 +250,17 @@ void Gtk_WindowImp::SetRect(const Rect& rect, bool) {
 void Gtk_WindowImp::BringToTop() {
     if (IsTopLevel()) {
         gtk_window_present(GTK_WINDOW(widget));
+    }
+}
+
+// Only a window of its own can go below its siblings; a control that paints on its parent's is
+// beneath every such window already.
+void Gtk_WindowImp::SendToBottom() {
+    GdkWindow* window = widget != nullptr && gtk_widget_get_has_window(widget)
+                            ? gtk_widget_get_window(widget)
+                            : nullptr;
+    if (window != nullptr) {
+        gdk_window_lower(window);
     }
 }
 
@@ -568,16 +577,6 @@ bool Gtk_WindowImp::OnKeyEvent(const GdkEventKey& event) {
            owner->OnChar(static_cast<uint16_t>(character));
 }
 
-// A control's click is a command for the owner; any other notification is translated.
-void Gtk_WindowImp::OnControlNotification(GtkWidget* control, int32_t code, int32_t id,
-                                          uint32_t detail) {
-    if (code == GtkNotifyClicked) {
-        GetOwner()->OnCommand(id);
-        return;
-    }
-    OnNativeNotification(code, id, reinterpret_cast<intptr_t>(control), detail);
-}
-
 void Gtk_WindowImp::OnCloseRequest() {
     if (!GetOwner()->OnClose()) {
         Destroy();
@@ -605,7 +604,7 @@ void Gtk_WindowImp::OnConfigure(int32_t width, int32_t height) {
     }
     if (width != reportedSize.width || height != reportedSize.height) {
         reportedSize = Size{width, height};
-        GetOwner()->OnSize(width, height);
+        OnNativeSize(width, height);
     }
 }
 
@@ -617,7 +616,7 @@ bool Gtk_WindowImp::CreateNativeChild(Window& control, const ChildControl& child
     }
     uint32_t style = childSpec.style | (childSpec.tabStop ? uint32_t{StyleTabStop} : 0u);
     GtkWidget* created =
-        MakeControl(childSpec.className, style & ~StyleHidden, childSpec.title.GetCString());
+        MakeControl(childSpec.kind, style & ~StyleHidden, childSpec.title.GetCString());
     PlaceControl(area, created, id, childSpec.rect);
     controlImp->parent = GetOwner();
     if (controlImp->Attach(created)) {
@@ -705,13 +704,13 @@ void Gtk_WindowImp::OnDestroyed(GtkWidget*, gpointer data) {
     static_cast<Gtk_WindowImp*>(data)->OnNativeGone();
 }
 
-void DeliverNotification(GtkWidget* control, int32_t code, uint32_t detail) {
+void DeliverNotification(GtkWidget* control, ControlEvent event, uint32_t detail) {
     GtkWidget* placed = FindNativeWidgetAbove(control);
     GtkNative* controlNative = FindNative(placed);
     GtkNative* window =
         placed != nullptr ? FindNativeAbove(gtk_widget_get_parent(placed)) : nullptr;
     if (controlNative != nullptr && window != nullptr && window->imp != nullptr) {
-        window->imp->OnControlNotification(placed, code, controlNative->id, detail);
+        window->imp->OnControlEvent(NativeNotification{event, controlNative->id, detail});
     }
 }
 

@@ -25,6 +25,7 @@ public:
     bool GetRect(Rect& rect) override;
     void SetRect(const Rect& rect, bool repaint) override;
     void BringToTop() override;
+    void SendToBottom() override;
     void SetClientRect(const Rect& rect) override;
     void SetSize(int32_t width, int32_t height) override;
     void SetScrollArea(const Rect& area) override { scrollArea = area; }
@@ -69,9 +70,6 @@ public:
     // A key event that GTK gives the top-level window, before the focused widget sees it; true
     // when it is finished.
     virtual bool OnKeyEvent(const GdkEventKey& event);
-    // A control in this window's client area tells what happened to it.
-    virtual void OnControlNotification(GtkWidget* control, int32_t code, int32_t id,
-                                       uint32_t detail);
     // The user asked to close this top-level window.
     virtual void OnCloseRequest();
     // The native window is going away.
@@ -123,7 +121,7 @@ private:
     Point reportedPosition;
 };
 
-// Hands a control's notification to the Imp of the window it sits in.
-void DeliverNotification(GtkWidget* control, int32_t code, uint32_t detail);
+// Hands a control's event to the Imp of the window it sits in.
+void DeliverNotification(GtkWidget* control, ControlEvent event, uint32_t detail);
 
 } // namespace quilt

@@ -8,8 +8,8 @@ void Offscreen_ApplicationImp::PumpMessages() {
     GetOffscreenDesktop().PumpMessages();
 }
 
-bool Offscreen_ApplicationImp::WaitMessage() {
-    return GetOffscreenDesktop().WaitMessage();
+bool Offscreen_ApplicationImp::WaitMessage(std::optional<uint32_t> timeout) {
+    return GetOffscreenDesktop().WaitMessage(timeout);
 }
 
 bool Offscreen_ApplicationImp::CanReceiveEvents() {

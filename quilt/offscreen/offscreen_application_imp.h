@@ -9,7 +9,7 @@ namespace quilt {
 class Offscreen_ApplicationImp : public ApplicationImp {
 public:
     void PumpMessages() override;
-    bool WaitMessage() override;
+    bool WaitMessage(std::optional<uint32_t> timeout) override;
     bool CanReceiveEvents() override;
 
     // The offscreen desktop has no notification area.

@@ -4,23 +4,22 @@
 #include "quilt/dialog_template.h"
 
 #include <algorithm>
-#include <strings.h>
 
 namespace quilt {
 
 namespace {
 
-bool IsOfClass(const OffscreenWindow* window, const char* className) {
-    return window != nullptr && strcasecmp(window->className.GetCString(), className) == 0;
+template <class Native> bool IsOf(const OffscreenWindow* window) {
+    return dynamic_cast<const Native*>(window) != nullptr;
 }
 
-bool CreateControl(Window& control, Window* parent, const char* className, uint32_t style,
+bool CreateControl(Window& control, Window* parent, ControlKind kind, uint32_t style,
                    const Rect& rect, int32_t id) {
     if (parent == nullptr) {
         return false;
     }
     ChildControl childSpec;
-    childSpec.className = className;
+    childSpec.kind = kind;
     childSpec.style = style;
     childSpec.rect = rect;
     childSpec.id = id;
@@ -28,29 +27,10 @@ bool CreateControl(Window& control, Window* parent, const char* className, uint3
     return parent->GetImp()->CreateChildControl(control, childSpec);
 }
 
-struct EditNotification {
-    int32_t code;
-    int32_t kind;
-    bool carriesId;
-};
-
-constexpr EditNotification editNotifications[] = {
-    {NotifyEditSetFocus, MsgFocusGained, false},
-    {NotifyEditKillFocus, MsgFocusLost, false},
-    {NotifyEditChange, MsgTextChange, true},
-    {NotifyEditUpdate, MsgTextUpdate, true},
-};
-
-// The kind of each scroll code, in the order of the codes.
-constexpr int32_t sliderKinds[] = {
-    MsgSliderLineUp, MsgSliderLineDown, MsgSliderPageUp, MsgSliderPageDown, MsgSliderThumbPosition,
-    MsgSliderTrack,  MsgSliderTop,      MsgSliderBottom, MsgSliderEndTrack,
-};
-
 } // namespace
 
 bool Offscreen_ButtonImp::Create(Window* parent, const Rect& rect, int32_t id) {
-    return CreateControl(*GetOwner(), parent, ControlClassButton, StyleTabStop, rect, id);
+    return CreateControl(*GetOwner(), parent, ControlKind::PushButton, StyleTabStop, rect, id);
 }
 
 bool Offscreen_ButtonImp::IsPushed() {
@@ -59,7 +39,7 @@ bool Offscreen_ButtonImp::IsPushed() {
 }
 
 bool Offscreen_ButtonImp::Attach(OffscreenWindow* window) {
-    return IsOfClass(window, ControlClassButton) && Offscreen_WindowImp::Attach(window);
+    return IsOf<OffscreenButton>(window) && Offscreen_WindowImp::Attach(window);
 }
 
 OffscreenButton* Offscreen_CheckBoxImp::GetButton() const {
@@ -68,44 +48,22 @@ OffscreenButton* Offscreen_CheckBoxImp::GetButton() const {
 
 int32_t Offscreen_CheckBoxImp::GetState() {
     OffscreenButton* button = GetButton();
-    if (button == nullptr) {
-        return CheckStateUnchecked;
-    }
-    bool plain =
-        button->checkState == CheckStateUnchecked || button->checkState == CheckStateChecked;
-    return plain ? button->checkState : CheckStateIndeterminate;
+    return button != nullptr ? button->checkState : CheckStateUnchecked;
 }
 
 void Offscreen_CheckBoxImp::SetState(int32_t state) {
-    OffscreenButton* button = GetButton();
-    bool known = state == CheckStateChecked || state == CheckStateIndeterminate;
-    int32_t wanted = known ? state : CheckStateUnchecked;
-    if (button == nullptr || GetState() == wanted) {
-        return;
-    }
-    button->checkState = wanted;
-    button->needsPaint = true;
-    if (auto* checkBox = dynamic_cast<CheckBox*>(GetOwner())) {
-        checkBox->OnStateChanged();
+    if (OffscreenButton* button = GetButton()) {
+        button->checkState = state;
+        button->needsPaint = true;
     }
 }
 
 bool Offscreen_CheckBoxImp::Create(Window* parent, const Rect& rect, int32_t id) {
-    return CreateControl(*GetOwner(), parent, ControlClassButton, StyleCheckBox, rect, id);
+    return CreateControl(*GetOwner(), parent, ControlKind::CheckBox, StyleCheckBox, rect, id);
 }
 
 bool Offscreen_CheckBoxImp::Attach(OffscreenWindow* window) {
-    return IsOfClass(window, ControlClassButton) && Offscreen_WindowImp::Attach(window);
-}
-
-NotificationAnswer
-Offscreen_CheckBoxImp::TranslateNotification(const NativeNotification& notification,
-                                             NotificationTranslation& out) {
-    auto* checkBox = dynamic_cast<CheckBox*>(GetOwner());
-    if (notification.code == NotifyClicked && checkBox != nullptr) {
-        checkBox->OnClicked();
-    }
-    return WindowImp::TranslateNotification(notification, out);
+    return IsOf<OffscreenButton>(window) && Offscreen_WindowImp::Attach(window);
 }
 
 OffscreenEdit* Offscreen_EditBoxImp::GetEdit() const {
@@ -113,7 +71,7 @@ OffscreenEdit* Offscreen_EditBoxImp::GetEdit() const {
 }
 
 bool Offscreen_EditBoxImp::Create(Window* parent, const Rect& rect) {
-    return CreateControl(*GetOwner(), parent, ControlClassEdit, StyleBorder | StyleTabStop, rect,
+    return CreateControl(*GetOwner(), parent, ControlKind::Edit, StyleBorder | StyleTabStop, rect,
                          -1);
 }
 
@@ -213,22 +171,7 @@ void Offscreen_EditBoxImp::ResetBackColour() {
 }
 
 bool Offscreen_EditBoxImp::Attach(OffscreenWindow* window) {
-    return IsOfClass(window, ControlClassEdit) && Offscreen_WindowImp::Attach(window);
-}
-
-NotificationAnswer
-Offscreen_EditBoxImp::TranslateNotification(const NativeNotification& notification,
-                                            NotificationTranslation& out) {
-    for (const EditNotification& entry : editNotifications) {
-        if (entry.code == notification.code) {
-            out.kind = entry.kind;
-            if (entry.carriesId) {
-                out.parameter = notification.id;
-            }
-            return AnswerDispatch;
-        }
-    }
-    return AnswerDefault;
+    return IsOf<OffscreenEdit>(window) && Offscreen_WindowImp::Attach(window);
 }
 
 bool Offscreen_EditBoxImp::WindowProc(const OffscreenMessage& message) {
@@ -245,7 +188,7 @@ OffscreenTrackBar* Offscreen_SliderImp::GetTrackBar() const {
 }
 
 bool Offscreen_SliderImp::Create(Window* parent, const Rect& rect) {
-    return CreateControl(*GetOwner(), parent, ControlClassTrackBar, StyleBorder | StyleTabStop,
+    return CreateControl(*GetOwner(), parent, ControlKind::TrackBar, StyleBorder | StyleTabStop,
                          rect, -1);
 }
 
@@ -273,17 +216,7 @@ int32_t Offscreen_SliderImp::GetPos() {
 }
 
 bool Offscreen_SliderImp::Attach(OffscreenWindow* window) {
-    return IsOfClass(window, ControlClassTrackBar) && Offscreen_WindowImp::Attach(window);
-}
-
-NotificationAnswer
-Offscreen_SliderImp::TranslateNotification(const NativeNotification& notification,
-                                           NotificationTranslation& out) {
-    if (notification.code != NotifyScroll || notification.word >= std::size(sliderKinds)) {
-        return AnswerDefault;
-    }
-    out.kind = sliderKinds[notification.word];
-    return AnswerDispatch;
+    return IsOf<OffscreenTrackBar>(window) && Offscreen_WindowImp::Attach(window);
 }
 
 void Offscreen_ProgressBarImp::SetRange(int32_t minimum, int32_t maximum) {
@@ -301,12 +234,12 @@ void Offscreen_ProgressBarImp::SetPos(int32_t value) {
 }
 
 bool Offscreen_ProgressBarImp::Create(Window* parent, const Rect& rect, int32_t id) {
-    return CreateControl(*GetOwner(), parent, ControlClassProgressBar, StyleBorder | StyleTabStop,
+    return CreateControl(*GetOwner(), parent, ControlKind::ProgressBar, StyleBorder | StyleTabStop,
                          rect, id);
 }
 
 bool Offscreen_ProgressBarImp::Attach(OffscreenWindow* window) {
-    return IsOfClass(window, ControlClassProgressBar) && Offscreen_WindowImp::Attach(window);
+    return IsOf<OffscreenProgressBar>(window) && Offscreen_WindowImp::Attach(window);
 }
 
 } // namespace quilt

@@ -29,9 +29,6 @@ public:
     void SetState(int32_t state) override;
     bool Create(Window* parent, const Rect& rect, int32_t id) override;
     bool Attach(OffscreenWindow* window) override;
-    // A click reaches the check box before its dialog.
-    NotificationAnswer TranslateNotification(const NativeNotification& notification,
-                                             NotificationTranslation& out) override;
 
 private:
     OffscreenButton* GetButton() const;
@@ -53,8 +50,6 @@ public:
     void ResetTextColour() override;
     void ResetBackColour() override;
     bool Attach(OffscreenWindow* window) override;
-    NotificationAnswer TranslateNotification(const NativeNotification& notification,
-                                             NotificationTranslation& out) override;
     // Keeps the selection that the box had when it lost the focus.
     bool WindowProc(const OffscreenMessage& message) override;
 
@@ -74,8 +69,6 @@ public:
     void SetPos(int32_t position) override;
     int32_t GetPos() override;
     bool Attach(OffscreenWindow* window) override;
-    NotificationAnswer TranslateNotification(const NativeNotification& notification,
-                                             NotificationTranslation& out) override;
 
 private:
     OffscreenTrackBar* GetTrackBar() const;

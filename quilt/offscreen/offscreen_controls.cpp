@@ -5,7 +5,6 @@
 #include "quilt/keys.h"
 
 #include <algorithm>
-#include <strings.h>
 
 namespace quilt {
 
@@ -132,11 +131,11 @@ void EditMouseDown(OffscreenEdit& edit, const OffscreenMessage& message) {
 }
 
 void EditSetFocus(OffscreenEdit& edit, const OffscreenMessage&) {
-    NotifyParent(edit, NotifyEditSetFocus);
+    NotifyParent(edit, ControlEvent::FocusGained);
 }
 
 void EditKillFocus(OffscreenEdit& edit, const OffscreenMessage&) {
-    NotifyParent(edit, NotifyEditKillFocus);
+    NotifyParent(edit, ControlEvent::FocusLost);
 }
 
 constexpr NativeRoute<OffscreenEdit> editRoutes[] = {
@@ -148,14 +147,14 @@ constexpr NativeRoute<OffscreenEdit> editRoutes[] = {
 };
 
 // Each notification may destroy the slider: each is sent only while it is still there.
-void NotifyScrolls(OffscreenTrackBar& bar, std::initializer_list<OffscreenScrollCode> codes) {
+void NotifyScrolls(OffscreenTrackBar& bar, std::initializer_list<ScrollAction> actions) {
     OffscreenHandle handle = bar.handle;
-    for (OffscreenScrollCode code : codes) {
+    for (ScrollAction action : actions) {
         OffscreenWindow* window = GetOffscreenDesktop().Find(handle);
         if (window == nullptr) {
             return;
         }
-        NotifyParent(*window, NotifyScroll, code);
+        NotifyParent(*window, ControlEvent::Scrolled, action);
     }
 }
 
@@ -201,34 +200,36 @@ constexpr NativeRoute<OffscreenTrackBar> trackBarRoutes[] = {
     {OffscreenMessageKind::MouseDown, TrackBarMouseDown},
 };
 
-template <class Control>
-std::unique_ptr<OffscreenWindow> Make(const char* className, OffscreenWindow* parent) {
-    return std::make_unique<Control>(className, parent);
+template <class Control> std::unique_ptr<OffscreenWindow> Make(OffscreenWindow* parent) {
+    return std::make_unique<Control>(parent);
 }
 
 struct NativeClass {
-    const char* name;
-    std::unique_ptr<OffscreenWindow> (*make)(const char* className, OffscreenWindow* parent);
+    ControlKind kind;
+    std::unique_ptr<OffscreenWindow> (*make)(OffscreenWindow* parent);
 };
 
 constexpr NativeClass nativeClasses[] = {
-    {ControlClassButton, Make<OffscreenButton>},
-    {ControlClassEdit, Make<OffscreenEdit>},
-    {ControlClassTrackBar, Make<OffscreenTrackBar>},
-    {ControlClassProgressBar, Make<OffscreenProgressBar>},
+    {ControlKind::PushButton, Make<OffscreenButton>},
+    {ControlKind::DefaultPushButton, Make<OffscreenButton>},
+    {ControlKind::CheckBox, Make<OffscreenButton>},
+    {ControlKind::AutoCheckBox, Make<OffscreenButton>},
+    {ControlKind::GroupBox, Make<OffscreenButton>},
+    {ControlKind::Edit, Make<OffscreenEdit>},
+    {ControlKind::TrackBar, Make<OffscreenTrackBar>},
+    {ControlKind::ProgressBar, Make<OffscreenProgressBar>},
 };
 
 } // namespace
 
-void NotifyParent(OffscreenWindow& control, int32_t code, uint32_t detail) {
+void NotifyParent(OffscreenWindow& control, ControlEvent event, uint32_t detail) {
     if (control.parent == nullptr) {
         return;
     }
     OffscreenMessage message{OffscreenMessageKind::Notify};
     message.value = control.id;
-    message.code = code;
+    message.event = event;
     message.flags = detail;
-    message.source = control.handle;
     GetOffscreenDesktop().Send(control.parent, message);
 }
 
@@ -250,7 +251,7 @@ void OffscreenButton::Click() {
         checkState = checkState == CheckStateChecked ? CheckStateUnchecked : CheckStateChecked;
         needsPaint = true;
     }
-    NotifyParent(*this, NotifyClicked);
+    NotifyParent(*this, ControlEvent::Clicked);
 }
 
 void OffscreenEdit::DefaultHandling(const OffscreenMessage& message) {
@@ -287,9 +288,9 @@ void OffscreenEdit::ReplaceSelection(const loam::String& replacement) {
     selectionEnd = caret;
     needsPaint = true;
     OffscreenHandle self = handle;
-    NotifyParent(*this, NotifyEditUpdate);
+    NotifyParent(*this, ControlEvent::TextUpdated);
     if (OffscreenWindow* stillThere = GetOffscreenDesktop().Find(self)) {
-        NotifyParent(*stillThere, NotifyEditChange);
+        NotifyParent(*stillThere, ControlEvent::TextChanged);
     }
 }
 
@@ -314,16 +315,16 @@ void OffscreenTrackBar::SetPosition(int32_t value) {
     needsPaint = true;
 }
 
-std::unique_ptr<OffscreenWindow> MakeOffscreenWindow(const char* className, uint32_t style,
+std::unique_ptr<OffscreenWindow> MakeOffscreenWindow(ControlKind kind, uint32_t style,
                                                      OffscreenWindow* parent) {
     std::unique_ptr<OffscreenWindow> window;
     for (const NativeClass& nativeClass : nativeClasses) {
-        if (strcasecmp(nativeClass.name, className) == 0) {
-            window = nativeClass.make(className, parent);
+        if (nativeClass.kind == kind) {
+            window = nativeClass.make(parent);
         }
     }
     if (window == nullptr) {
-        window = std::make_unique<OffscreenWindow>(className, parent);
+        window = std::make_unique<OffscreenWindow>(parent);
     }
     window->style = style;
     return window;

@@ -10,30 +10,8 @@
 
 namespace quilt {
 
-// What a control tells its parent in a Notify message.
-enum OffscreenNotifyCode : int32_t {
-    NotifyClicked = 0,
-    NotifyEditSetFocus = 0x100,
-    NotifyEditKillFocus = 0x200,
-    NotifyEditChange = 0x300,
-    NotifyEditUpdate = 0x400,
-    NotifyScroll = 0x114, // the detail is an OffscreenScrollCode
-};
-
-enum OffscreenScrollCode : uint32_t {
-    ScrollLineUp = 0,
-    ScrollLineDown = 1,
-    ScrollPageUp = 2,
-    ScrollPageDown = 3,
-    ScrollThumbPosition = 4,
-    ScrollThumbTrack = 5,
-    ScrollTop = 6,
-    ScrollBottom = 7,
-    ScrollEndTrack = 8,
-};
-
 // Tells the control's parent window what happened to it.
-void NotifyParent(OffscreenWindow& control, int32_t code, uint32_t detail = 0);
+void NotifyParent(OffscreenWindow& control, ControlEvent event, uint32_t detail = 0);
 
 // A push button, check box or group box, by its style.
 struct OffscreenButton : OffscreenWindow {
@@ -87,9 +65,9 @@ struct OffscreenProgressBar : OffscreenWindow {
     int32_t position = 0;
 };
 
-// A native window of the class that `className` names, without regard to case; a class that
-// has no behaviour of its own gets a plain window.
-std::unique_ptr<OffscreenWindow> MakeOffscreenWindow(const char* className, uint32_t style,
+// The native window of a kind of control; a kind that has no behaviour of its own here gets a
+// plain window. `style` holds every ControlStyle bit of the control.
+std::unique_ptr<OffscreenWindow> MakeOffscreenWindow(ControlKind kind, uint32_t style,
                                                      OffscreenWindow* parent);
 
 } // namespace quilt

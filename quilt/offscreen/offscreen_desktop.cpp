@@ -405,12 +405,19 @@ std::optional<uint32_t> OffscreenDesktop::GetNextEventTime() const {
     return next;
 }
 
-bool OffscreenDesktop::WaitMessage() {
+bool OffscreenDesktop::WaitMessage(std::optional<uint32_t> timeout) {
     std::optional<uint32_t> next = GetNextEventTime();
+    uint32_t now = GetTickCount();
+    if (timeout) {
+        uint32_t delay = next ? std::min(GetDelay(*next, now), *timeout) : *timeout;
+        if (delay > 0) {
+            GetClock().Sleep(delay);
+        }
+        return next && IsTickReached(GetTickCount(), *next);
+    }
     if (!next) {
         return false;
     }
-    uint32_t now = GetTickCount();
     uint32_t delay = GetDelay(*next, now);
     if (waitDeadline) {
         uint32_t untilDeadline = GetDelay(*waitDeadline, now);
@@ -456,6 +463,7 @@ void OffscreenDesktop::Reset() {
     capture = 0;
     waitDeadline.reset();
     modalWindows.clear();
+    hasUser = false;
 }
 
 OffscreenDesktop& GetOffscreenDesktop() {

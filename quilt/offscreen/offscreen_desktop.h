@@ -56,24 +56,14 @@ struct OffscreenMessage {
     uint32_t flags = 0; // key modifiers or mouse flags
     Point point;        // mouse position in client coordinates; position after a move
     Size size;          // client size after a size change
-    // Notify: `value` is the control's id, `code` what happened (its class says what the codes
-    // mean), `flags` a detail of the code, `source` the control.
-    int32_t code = 0;
-    OffscreenHandle source = 0;
-};
-
-// A native control's own dialog code: which keys it takes before its dialog sees them.
-enum OffscreenDialogCode : int32_t {
-    DialogCodeWantArrows = 1,
-    DialogCodeWantTab = 2,
-    DialogCodeHasSetSel = 8,
+    // Notify: `value` is the control's id, `event` what happened, `flags` its detail.
+    ControlEvent event = ControlEvent::Clicked;
 };
 
 // A native window of the offscreen desktop, its state in memory. The backend's control classes
 // derive from it.
 struct OffscreenWindow {
-    OffscreenWindow(const char* windowClass, OffscreenWindow* parentWindow)
-        : className(windowClass), parent(parentWindow) {}
+    explicit OffscreenWindow(OffscreenWindow* parentWindow) : parent(parentWindow) {}
     OffscreenWindow(const OffscreenWindow&) = delete;
     OffscreenWindow& operator=(const OffscreenWindow&) = delete;
     virtual ~OffscreenWindow() = default;
@@ -99,7 +89,6 @@ struct OffscreenWindow {
     int32_t GetDialogCode(KeyEventKind kind, int32_t value) const;
 
     OffscreenHandle handle = 0;
-    loam::String className;
     int32_t id = 0;
     uint32_t style = 0; // ControlStyle bits for a control
     loam::String text;
@@ -169,8 +158,9 @@ public:
 
     // Serves every due event, then every due timer once, then paints.
     void PumpMessages();
-    // Lets the clock run to the next event; false when none can come or the deadline came first.
-    bool WaitMessage();
+    // Lets the clock run to the next event, or for `timeout` ms at most; false when no event is
+    // due at its end. Only a wait without a timeout stops at the deadline.
+    bool WaitMessage(std::optional<uint32_t> timeout = std::nullopt);
     bool CanReceiveEvents() const { return !events.empty() || !timers.empty(); }
     // A wait never runs the clock past this tick.
     void SetWaitDeadline(std::optional<uint32_t> tick) { waitDeadline = tick; }
@@ -183,9 +173,12 @@ public:
     // Called for each modal dialog as its run starts; a test acts in it from here.
     using ModalHook = std::function<void(OffscreenWindow&)>;
     void SetModalHook(ModalHook hook) { modalHook = std::move(hook); }
-    bool HasModalHook() const { return static_cast<bool>(modalHook); }
+    // Whether someone gives the desktop input and so can answer its dialogs. A headless run is
+    // unattended; a test's driver stands in for a person.
+    void SetAttended(bool attended) { hasUser = attended; }
+    bool IsAttended() const { return hasUser; }
 
-    // Destroys every window and drops every event, timer and hot key.
+    // Destroys every window and drops every event, timer and hot key; nobody is at the desktop.
     void Reset();
 
 private:
@@ -227,6 +220,7 @@ private:
     std::optional<uint32_t> waitDeadline;
     std::vector<OffscreenHandle> modalWindows;
     ModalHook modalHook;
+    bool hasUser = false;
 };
 
 OffscreenDesktop& GetOffscreenDesktop();

@@ -12,9 +12,6 @@ namespace quilt {
 
 namespace {
 
-// Notification codes that are commands: a click and an accelerator.
-constexpr int32_t acceleratorCode = 1;
-
 void PressDefault(OffscreenDialogWindow& dialog, OffscreenWindow& target, uint32_t) {
     auto* focused = dynamic_cast<OffscreenButton*>(&target);
     if (focused != nullptr && focused->IsPushButton()) {
@@ -145,29 +142,16 @@ void OffscreenDialogWindow::PressButton(int32_t id) {
 void OffscreenDialogWindow::SendCommand(int32_t id) {
     OffscreenMessage command{OffscreenMessageKind::Notify};
     command.value = id;
-    command.code = NotifyClicked;
-    if (OffscreenWindow* control = FindControl(id)) {
-        command.source = control->handle;
-    }
+    command.event = ControlEvent::Clicked;
     GetOffscreenDesktop().Send(this, command);
 }
 
-int32_t Offscreen_DialogImp::RunModal(const loam::ResourceId& resource, Window* parent,
-                                      bool centre) {
-    if (GetNative() != nullptr || running) {
-        return -1;
-    }
+bool Offscreen_DialogImp::RunNativeModal(const loam::ResourceId& resource, Window* parent) {
     OffscreenDesktop& desktop = GetOffscreenDesktop();
     OffscreenWindow* previousFocus = desktop.GetFocus();
     OffscreenHandle focusHandle = previousFocus != nullptr ? previousFocus->handle : 0;
-    centreOnInit = centre;
-    modal = true;
-    running = true;
-    ended = false;
-    result = -1;
-    if (!MakeDialog(resource, parent, false)) {
-        running = false;
-        return -1;
+    if (!CreateNativeDialog(resource, parent, false)) {
+        return false;
     }
     // The owner takes no input while its modal dialog runs.
     OffscreenWindow* owner = GetNativeOf(parent);
@@ -186,50 +170,20 @@ int32_t Offscreen_DialogImp::RunModal(const loam::ResourceId& resource, Window* 
         stillThere->enabled = true;
     }
     Destroy();
-    running = false;
     if (OffscreenWindow* focus = desktop.Find(focusHandle)) {
         desktop.SetFocus(focus);
     }
-    return result;
+    return true;
 }
 
-NativeHandle Offscreen_DialogImp::RunModeless(const loam::ResourceId& resource, Window* parent,
-                                              bool centre) {
-    if (GetNative() != nullptr || running) {
-        return nullptr;
-    }
-    modal = false;
-    centreOnInit = centre;
-    creating = true;
-    bool made = MakeDialog(resource, parent, false);
-    creating = false;
-    if (deletionPending) {
-        delete GetOwner();
-        return nullptr;
-    }
-    return made ? GetNativeHandle() : nullptr;
-}
-
-void Offscreen_DialogImp::EndDialog(int32_t code) {
-    if (!modal) {
-        Destroy();
-        return;
-    }
-    if (running && !ended) {
-        result = code;
-        ended = true;
-    }
+void Offscreen_DialogImp::EndNativeModal() {
     if (GetNative() != nullptr) {
         GetNative()->visible = false;
     }
 }
 
-bool Offscreen_DialogImp::CreateChildDialog(const loam::ResourceId& resource, Window* parent) {
-    return GetNative() == nullptr && !running && MakeDialog(resource, parent, true);
-}
-
-bool Offscreen_DialogImp::MakeDialog(const loam::ResourceId& resource, Window* parent,
-                                     bool asChild) {
+bool Offscreen_DialogImp::CreateNativeDialog(const loam::ResourceId& resource, Window* parent,
+                                             bool asChild) {
     dialogTemplate = FindDialogTemplate(resource);
     OffscreenWindow* parentNative = GetNativeOf(parent);
     if (dialogTemplate == nullptr || (asChild && parentNative == nullptr)) {
@@ -256,15 +210,14 @@ bool Offscreen_DialogImp::MakeDialog(const loam::ResourceId& resource, Window* p
     if (!asChild && (dialogTemplate->style & DialogStyleCentre) != 0) {
         Offscreen_WindowImp::Center();
     }
-    InitDialog();
+    StartDialog((dialogTemplate->style & DialogStyleSizingFrame) != 0);
     return GetNative() != nullptr;
 }
 
 void Offscreen_DialogImp::AddControl(OffscreenWindow& dialog, const DialogControlTemplate& control,
                                      const DialogUnits& units) {
-    ControlClass controlClass = GetControlClass(control.kind);
-    auto window =
-        MakeOffscreenWindow(controlClass.name, controlClass.style | control.style, &dialog);
+    auto window = MakeOffscreenWindow(control.kind,
+                                      GetControlKindStyle(control.kind) | control.style, &dialog);
     window->id = control.id;
     window->text = control.text;
     window->rect = units.ToPixels(control.rect.ToRect());
@@ -273,60 +226,28 @@ void Offscreen_DialogImp::AddControl(OffscreenWindow& dialog, const DialogContro
     GetOffscreenDesktop().AddWindow(std::move(window));
 }
 
-void Offscreen_DialogImp::InitDialog() {
-    Dialog* dialog = nullptr;
-    if (!GetOwner()->AsDialog(&dialog)) {
-        return;
+void Offscreen_DialogImp::GetChildRects(std::vector<Rect>& rects) {
+    for (const auto& child : GetNative()->children) {
+        rects.push_back(child->rect);
     }
-    dialog->InitDialog();
-    if (GetNative() == nullptr || (running && ended)) {
-        return;
-    }
-    if ((dialogTemplate->style & DialogStyleSizingFrame) != 0 && useSizeGrip) {
-        CreateSizeGrip(*dialog);
-    }
-    if (centreOnInit) {
-        Center();
-    }
-    Show(ShowModeShow);
-    OffscreenDesktop& desktop = GetOffscreenDesktop();
-    auto* window = static_cast<OffscreenDialogWindow*>(GetNative());
-    OffscreenWindow* focus = desktop.GetFocus();
-    if (window == nullptr || (focus != nullptr && focus->IsInside(window))) {
-        return;
-    }
-    std::vector<OffscreenWindow*> stops = window->GetTabStops();
+}
+
+bool Offscreen_DialogImp::HasFocusWithin() {
+    OffscreenWindow* focus = GetOffscreenDesktop().GetFocus();
+    return focus != nullptr && focus->IsInside(GetNative());
+}
+
+void Offscreen_DialogImp::FocusFirstTabStop() {
+    std::vector<OffscreenWindow*> stops =
+        static_cast<OffscreenDialogWindow*>(GetNative())->GetTabStops();
     if (!stops.empty()) {
         OffscreenDialogWindow::FocusControl(*stops.front());
     }
 }
 
-// No control may cover the grip: the dialog grows below its lowest control instead, and its
-// initial size grows with it so that the layout starts from the grown size.
-void Offscreen_DialogImp::CreateSizeGrip(Dialog& dialog) {
-    Rect client;
-    GetClientRect(client);
-    std::vector<Rect> controls;
-    for (const auto& child : GetNative()->children) {
-        controls.push_back(child->rect);
-    }
-    int32_t growth = GetSizeGripGrowth(client, controls);
-    if (growth > 0) {
-        dialog.GrowInitialSize(0, growth);
-        client.bottom += growth;
-        SetClientRect(client);
-    }
-    if (GetNative() == nullptr) {
-        return;
-    }
-    sizeGrip = std::make_unique<SizeGrip>();
-    if (sizeGrip->CreateInCorner(*GetOwner())) {
-        GetOffscreenDesktop().SendToBottom(GetNativeOf(sizeGrip.get()));
-    }
-}
-
 bool Offscreen_DialogImp::IsModalRunning(OffscreenHandle handle) const {
-    return !ended && GetOffscreenDesktop().Find(handle) != nullptr && !IsApplicationQuitting();
+    return !HasRunEnded() && GetOffscreenDesktop().Find(handle) != nullptr &&
+           !IsApplicationQuitting();
 }
 
 // Pumps events and waits for the next, never running idle rounds. When nothing can come any
@@ -434,13 +355,10 @@ void Offscreen_DialogImp::EndLayout() {
 }
 
 void Offscreen_DialogImp::SetCheck(int32_t id, int32_t state) {
-    auto* button = dynamic_cast<OffscreenButton*>(FindControl(id));
-    if (button == nullptr) {
-        return;
+    if (auto* button = dynamic_cast<OffscreenButton*>(FindControl(id))) {
+        button->checkState = state;
+        button->needsPaint = true;
     }
-    bool known = state == CheckStateChecked || state == CheckStateIndeterminate;
-    button->checkState = known ? state : CheckStateUnchecked;
-    button->needsPaint = true;
 }
 
 int32_t Offscreen_DialogImp::GetCheck(int32_t id) {
@@ -448,12 +366,7 @@ int32_t Offscreen_DialogImp::GetCheck(int32_t id) {
         return CheckStateIndeterminate;
     }
     auto* button = dynamic_cast<OffscreenButton*>(FindControl(id));
-    if (button == nullptr) {
-        return CheckStateUnchecked;
-    }
-    bool plain =
-        button->checkState == CheckStateUnchecked || button->checkState == CheckStateChecked;
-    return plain ? button->checkState : CheckStateIndeterminate;
+    return button != nullptr ? button->checkState : CheckStateUnchecked;
 }
 
 bool Offscreen_DialogImp::GetControlWindow(int32_t id, Window** window) {
@@ -498,63 +411,7 @@ void Offscreen_DialogImp::MapDialogRect(Rect& rect) {
 
 void Offscreen_DialogImp::SetRect(const Rect& rect, bool repaint) {
     Offscreen_WindowImp::SetRect(rect, repaint);
-    centreOnInit = false;
-}
-
-bool Offscreen_DialogImp::WindowProc(const OffscreenMessage& message) {
-    if (GetNative() == nullptr) {
-        return false;
-    }
-    if (message.kind == OffscreenMessageKind::Notify) {
-        return RouteCommand(message);
-    }
-    if (message.kind == OffscreenMessageKind::Size && sizeGrip != nullptr) {
-        sizeGrip->MoveToCorner(message.size.width, message.size.height);
-    }
-    return Offscreen_WindowImp::WindowProc(message);
-}
-
-// A command goes to the command target, or to the dialog unless it is the main window, then to
-// the application; every notification, a click included, is then translated and dispatched.
-bool Offscreen_DialogImp::RouteCommand(const OffscreenMessage& message) {
-    if (message.code == NotifyClicked || message.code == acceleratorCode) {
-        MessageTarget* target = GetCommandTarget();
-        if (target == nullptr && GetOwner() != Application::GetMainWindow()) {
-            target = GetOwner();
-        }
-        if (target != nullptr && target->OnCommand(message.value)) {
-            return true;
-        }
-        Application* application = Application::GetCurrent();
-        if (application != nullptr && application->OnCommand(message.value)) {
-            return true;
-        }
-    }
-    return OnNativeNotification(message.code, message.value, message.source, message.flags) !=
-           NotHandled;
-}
-
-void Offscreen_DialogImp::OnNativeWindowGone() {
-    bool deletesItself = !modal && !ownerGone && Application::GetMainWindow() != GetOwner();
-    Offscreen_WindowImp::OnNativeWindowGone();
-    if (!deletesItself) {
-        return;
-    }
-    if (creating) {
-        deletionPending = true;
-        return;
-    }
-    delete GetOwner();
-}
-
-NotificationAnswer
-Offscreen_DialogImp::TranslateNotification(const NativeNotification& notification,
-                                           NotificationTranslation& out) {
-    OffscreenWindow* control = notification.id != 0 ? FindControl(notification.id) : nullptr;
-    if (control != nullptr && control->imp != nullptr) {
-        return control->imp->TranslateNotification(notification, out);
-    }
-    return WindowImp::TranslateNotification(notification, out);
+    KeepPlacement();
 }
 
 OffscreenWindow* Offscreen_DialogImp::FindControl(int32_t id) const {

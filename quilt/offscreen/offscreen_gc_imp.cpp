@@ -4,14 +4,13 @@
 #include "quilt/window.h"
 
 #include <algorithm>
-#include <iterator>
 #include <limits>
 
 namespace quilt {
 
 namespace {
 
-OffscreenDrawingRecorder* currentRecorder = nullptr;
+OffscreenDrawingSink* drawingSink = nullptr;
 
 // What a text takes: its widest line in bytes and its number of lines.
 struct TextExtent {
@@ -117,26 +116,12 @@ int32_t AddClamped(int32_t base, int64_t pixels) {
 
 } // namespace
 
-OffscreenDrawingRecorder::OffscreenDrawingRecorder() : previous(currentRecorder) {
-    currentRecorder = this;
+OffscreenDrawingSink* GetDrawingSink() {
+    return drawingSink;
 }
 
-OffscreenDrawingRecorder::~OffscreenDrawingRecorder() {
-    currentRecorder = previous;
-}
-
-std::vector<OffscreenDrawing>
-OffscreenDrawingRecorder::GetDrawings(OffscreenDrawingKind kind) const {
-    std::vector<OffscreenDrawing> found;
-    std::copy_if(drawings.begin(), drawings.end(), std::back_inserter(found),
-                 [kind](const OffscreenDrawing& drawing) { return drawing.kind == kind; });
-    return found;
-}
-
-void OffscreenDrawingRecorder::Record(const OffscreenDrawing& drawing) {
-    if (currentRecorder != nullptr) {
-        currentRecorder->drawings.push_back(drawing);
-    }
+void SetDrawingSink(OffscreenDrawingSink* sink) {
+    drawingSink = sink;
 }
 
 bool Offscreen_FontImp::Create(const loam::String&, int32_t points, FontWeight, uint32_t,
@@ -210,8 +195,9 @@ void Offscreen_GCImp::PaintFocusRect(const Rect& rect) {
 
 void Offscreen_GCImp::Record(OffscreenDrawingKind kind, const Rect& rect, uint32_t flags,
                              const loam::String& text) {
-    OffscreenDrawingRecorder::Record(
-        OffscreenDrawing{kind, GetWindow(), rect, flags, text, GetState()});
+    if (drawingSink != nullptr) {
+        drawingSink->Draw(OffscreenDrawing{kind, GetWindow(), rect, flags, text, GetState()});
+    }
 }
 
 } // namespace quilt

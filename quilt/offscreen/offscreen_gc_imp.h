@@ -57,25 +57,19 @@ struct OffscreenDrawing {
     GCState state;
 };
 
-// While one exists, the offscreen contexts keep every drawing operation in it. Made in a test,
-// never in a run: nothing is kept otherwise. The newest of nested recorders records.
-class OffscreenDrawingRecorder {
+// Where the offscreen contexts hand each drawing operation: nowhere unless a sink is installed,
+// as a test installs one to read what was drawn.
+class OffscreenDrawingSink {
 public:
-    OffscreenDrawingRecorder();
-    OffscreenDrawingRecorder(const OffscreenDrawingRecorder&) = delete;
-    OffscreenDrawingRecorder& operator=(const OffscreenDrawingRecorder&) = delete;
-    ~OffscreenDrawingRecorder();
+    virtual void Draw(const OffscreenDrawing& drawing) = 0;
 
-    const std::vector<OffscreenDrawing>& GetDrawings() const { return drawings; }
-    std::vector<OffscreenDrawing> GetDrawings(OffscreenDrawingKind kind) const;
-    void Clear() { drawings.clear(); }
-
-    static void Record(const OffscreenDrawing& drawing);
-
-private:
-    OffscreenDrawingRecorder* previous;
-    std::vector<OffscreenDrawing> drawings;
+protected:
+    ~OffscreenDrawingSink() = default;
 };
+
+OffscreenDrawingSink* GetDrawingSink();
+// Null: drawings go nowhere. The sink is not owned.
+void SetDrawingSink(OffscreenDrawingSink* sink);
 
 class Offscreen_FontImp : public FontImp {
 public:

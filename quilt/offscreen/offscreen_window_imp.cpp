@@ -14,10 +14,6 @@ constexpr Rect createdWindowRect{100, 100, 400, 400};
 constexpr int32_t createdChildId = 1200;
 constexpr int32_t firstFreeChildId = 1001;
 
-// Notification codes that are commands: a click and an accelerator.
-constexpr int32_t clickCode = 0;
-constexpr int32_t acceleratorCode = 1;
-
 } // namespace
 
 const Offscreen_WindowImp::Route Offscreen_WindowImp::routes[] = {
@@ -62,8 +58,7 @@ bool Offscreen_WindowImp::Create(Window&, Window* parentWindow, int32_t kind,
         return false;
     }
     parent = parentWindow;
-    auto created = std::make_unique<OffscreenWindow>(isChild ? "quiltChildWindow" : "quiltWindow",
-                                                     isChild ? parentNative : nullptr);
+    auto created = std::make_unique<OffscreenWindow>(isChild ? parentNative : nullptr);
     created->rect = createdWindowRect;
     created->id = isChild ? createdChildId : 0;
     if (title != nullptr) {
@@ -119,6 +114,12 @@ void Offscreen_WindowImp::SetRect(const Rect& rect, bool) {
 void Offscreen_WindowImp::BringToTop() {
     if (native != nullptr) {
         GetOffscreenDesktop().BringToTop(native);
+    }
+}
+
+void Offscreen_WindowImp::SendToBottom() {
+    if (native != nullptr) {
+        GetOffscreenDesktop().SendToBottom(native);
     }
 }
 
@@ -389,7 +390,7 @@ bool Offscreen_WindowImp::CreateNativeChild(Window& control, const ChildControl&
         return false;
     }
     uint32_t style = childSpec.style | (childSpec.tabStop ? uint32_t{StyleTabStop} : 0u);
-    auto created = MakeOffscreenWindow(childSpec.className, style, native);
+    auto created = MakeOffscreenWindow(childSpec.kind, style, native);
     created->id = id;
     created->text = childSpec.title;
     created->rect = childSpec.rect;
@@ -404,7 +405,7 @@ bool Offscreen_WindowImp::RouteMove(const OffscreenMessage& message) {
 }
 
 bool Offscreen_WindowImp::RouteSize(const OffscreenMessage& message) {
-    return GetOwner()->OnSize(message.size.width, message.size.height);
+    return OnNativeSize(message.size.width, message.size.height);
 }
 
 bool Offscreen_WindowImp::RouteSetFocus(const OffscreenMessage&) {
@@ -468,19 +469,8 @@ bool Offscreen_WindowImp::RouteMouseWheel(const OffscreenMessage& message) {
     return GetOwner()->OnMouseWheel(message.value);
 }
 
-// A control's command goes to the owner, an accelerator then to the application; any other
-// notification is translated. Only a dialog translates a click.
 bool Offscreen_WindowImp::RouteNotify(const OffscreenMessage& message) {
-    if (message.code != clickCode && message.code != acceleratorCode) {
-        return OnNativeNotification(message.code, message.value, message.source, message.flags) !=
-               NotHandled;
-    }
-    if (GetOwner()->OnCommand(message.value)) {
-        return true;
-    }
-    Application* application = Application::GetCurrent();
-    return message.code == acceleratorCode && application != nullptr &&
-           application->OnCommand(message.value);
+    return OnControlEvent(NativeNotification{message.event, message.value, message.flags});
 }
 
 } // namespace quilt

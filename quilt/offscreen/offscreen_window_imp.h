@@ -18,6 +18,7 @@ public:
     bool GetRect(Rect& rect) override;
     void SetRect(const Rect& rect, bool repaint) override;
     void BringToTop() override;
+    void SendToBottom() override;
     void SetClientRect(const Rect& rect) override;
     void SetSize(int32_t width, int32_t height) override;
     void SetScrollArea(const Rect& area) override { scrollArea = area; }

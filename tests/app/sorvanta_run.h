@@ -4,7 +4,7 @@
 #include "app/sorvanta_app.h"
 #include "loam/preferences.h"
 #include "loam/scratch_folder.h"
-#include "quilt/offscreen/offscreen_driver.h"
+#include "quilt/offscreen/testing/offscreen_driver.h"
 
 #include <cstdlib>
 #include <filesystem>

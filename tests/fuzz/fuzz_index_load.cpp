@@ -1,12 +1,17 @@
 // Feeds arbitrary bytes to the index loader as the image of an index file. What loads must then
-// answer every path, result and status question without leaving its buffer.
+// answer every path, result and status question without leaving its buffer. A scan of the same
+// bytes, window by window, must take and refuse them alike, with the same words, and give every
+// record the same path.
 #include "index/index_data.h"
 #include "index/index_status.h"
 #include "loam/error.h"
 #include "loam/format.h"
 
+#include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -32,17 +37,63 @@ void AskEverything(IndexData& index) {
     index.ClearResults();
 }
 
+std::unique_ptr<char[]> ImageOf(const uint8_t* data, size_t size) {
+    auto image = std::make_unique_for_overwrite<char[]>(size);
+    if (size > 0)
+        std::memcpy(image.get(), data, size);
+    return image;
+}
+
+// The message of a refusal, empty for an index that loaded, and the path of every record.
+struct Outcome {
+    std::string message;
+    std::vector<std::string> paths;
+};
+
+std::string TakeMessage(bool loaded) {
+    const std::string message = loaded ? "" : loam::GetCurrentErrorInfo().GetMessage().GetCString();
+    loam::ClearErrors();
+    return message;
+}
+
+std::vector<std::string> ResultPaths(const IndexData& index) {
+    std::vector<std::string> paths;
+    for (int32_t result = 0; result < index.GetResultCount(); ++result)
+        paths.push_back(index.GetResultPath(result).GetCString());
+    return paths;
+}
+
+Outcome Scan(const uint8_t* data, size_t size) {
+    IndexData index;
+    bool scanned = index.ScanImage(ImageOf(data, size), static_cast<uint32_t>(size));
+    while (scanned && index.GetRecordCount() > 0) {
+        for (int32_t ordinal = 0; ordinal < index.GetRecordCount(); ++ordinal)
+            index.AddResult(index.GetRecord(ordinal));
+        scanned = index.TakeNextWindow();
+    }
+    const std::string message = TakeMessage(scanned);
+    return {message, scanned ? ResultPaths(index) : std::vector<std::string>{}};
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size > UINT32_MAX)
         return 0;
-    auto image = std::make_unique_for_overwrite<char[]>(size);
-    if (size > 0)
-        std::memcpy(image.get(), data, size);
-    IndexData index;
-    if (index.LoadImage(std::move(image), static_cast<uint32_t>(size)))
-        AskEverything(index);
-    loam::ClearErrors();
+    Outcome whole;
+    {
+        IndexData index;
+        const bool loaded = index.LoadImage(ImageOf(data, size), static_cast<uint32_t>(size));
+        if (loaded) {
+            AskEverything(index);
+            for (int32_t ordinal = 0; ordinal < index.GetRecordCount(); ++ordinal)
+                index.AddResult(index.GetRecord(ordinal));
+            whole.paths = ResultPaths(index);
+        }
+        whole.message = TakeMessage(loaded);
+    }
+    const Outcome scanned = Scan(data, size);
+    if (scanned.message != whole.message || scanned.paths != whole.paths)
+        std::abort();
     return 0;
 }

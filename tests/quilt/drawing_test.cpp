@@ -2,7 +2,7 @@
 
 #include "quilt/dialog_units.h"
 #include "quilt/font.h"
-#include "quilt/offscreen/offscreen_gc_imp.h"
+#include "quilt/offscreen/testing/drawing_recorder.h"
 #include "quilt/size_grip.h"
 #include "test_application.h"
 

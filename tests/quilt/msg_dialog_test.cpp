@@ -4,7 +4,7 @@
 #include "loam/error.h"
 #include "loam/resource.h"
 #include "quilt/error_dialog.h"
-#include "quilt/offscreen/offscreen_gc_imp.h"
+#include "quilt/offscreen/testing/drawing_recorder.h"
 #include "quilt/question_dialog.h"
 #include "test_application.h"
 

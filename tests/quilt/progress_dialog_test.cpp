@@ -2,6 +2,7 @@
 
 #include "quilt/dialog_template.h"
 #include "quilt/job_worker.h"
+#include "quilt/offscreen/offscreen_controls.h"
 #include "quilt/progress_bar.h"
 #include "test_application.h"
 
@@ -15,7 +16,7 @@ using quilt::ProgressDialog;
 // The bar is made without an id of its own, so it gets a free one: it is found by its class.
 quilt::OffscreenWindow* FindBar(OffscreenDriver& driver, Dialog& dialog) {
     for (const auto& child : driver.GetNative(dialog)->children) {
-        if (child->className == quilt::ControlClassProgressBar) {
+        if (dynamic_cast<quilt::OffscreenProgressBar*>(child.get()) != nullptr) {
             return child.get();
         }
     }

@@ -3,7 +3,7 @@
 #include "quilt/application.h"
 #include "quilt/clock.h"
 #include "quilt/dialog.h"
-#include "quilt/offscreen/offscreen_driver.h"
+#include "quilt/offscreen/testing/offscreen_driver.h"
 #include "quilt/window.h"
 
 #include <gtest/gtest.h>

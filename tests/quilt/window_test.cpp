@@ -35,10 +35,10 @@ TEST(RectTest, UnionAndIntersect) {
 TEST(ImpFactoryTest, ChooseBackend) {
     const std::tuple<const char*, bool, quilt::Backend> cases[] = {
         {nullptr, true, quilt::Backend::Gtk},
-        {nullptr, false, quilt::Backend::Offscreen},
+        {nullptr, false, quilt::Backend::Headless},
         {"gtk", true, quilt::Backend::Gtk},
-        {"gtk", false, quilt::Backend::Offscreen},
-        {"offscreen", true, quilt::Backend::Offscreen},
+        {"gtk", false, quilt::Backend::Headless},
+        {"offscreen", true, quilt::Backend::Headless},
         {"something", true, quilt::Backend::Gtk}};
     for (const auto& [requested, desktopAvailable, expected] : cases) {
         EXPECT_EQ(quilt::ChooseBackend(requested, desktopAvailable), expected)
@@ -73,7 +73,7 @@ protected:
 
     // A control as a dialog template makes it: native, and bound to no wrapper.
     OffscreenWindow* AddNativeControl(OffscreenWindow* parent, int32_t id) {
-        auto control = std::make_unique<OffscreenWindow>("Button", parent);
+        auto control = std::make_unique<OffscreenWindow>(parent);
         control->id = id;
         control->visible = true;
         return quilt::GetOffscreenDesktop().AddWindow(std::move(control));
@@ -187,7 +187,7 @@ TEST_F(WindowTest, UnhandledCommandsGoToTheParent) {
     parent.Create(nullptr, quilt::WindowKindTop, nullptr);
     Window control;
     quilt::ChildControl childSpec;
-    childSpec.className = "Button";
+    childSpec.kind = quilt::ControlKind::PushButton;
     ASSERT_TRUE(control.CreateControl(&parent, childSpec));
     EXPECT_TRUE(control.OnCommand(500));
     EXPECT_FALSE(control.OnCommand(501));

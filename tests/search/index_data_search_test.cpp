@@ -4,7 +4,7 @@
 #include "loam/resource.h"
 #include "quilt/clock.h"
 #include "quilt/dialog.h"
-#include "quilt/offscreen/offscreen_driver.h"
+#include "quilt/offscreen/testing/offscreen_driver.h"
 #include "search/index_searcher.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "quilt/offscreen/offscreen_driver.h"
+#include "quilt/offscreen/testing/offscreen_driver.h"
 
 #include "quilt/application.h"
 #include "quilt/dialog.h"
@@ -33,6 +33,7 @@ OffscreenDriver::OffscreenDriver(uint32_t startTime)
     : clock(startTime), desktop(GetOffscreenDesktop()) {
     desktop.Reset();
     SetClock(&clock);
+    desktop.SetAttended(true);
     desktop.SetModalHook([this](OffscreenWindow& window) { OnModal(window); });
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "loam/string.h"
-#include "quilt/clock.h"
 #include "quilt/geometry.h"
 #include "quilt/offscreen/offscreen_desktop.h"
+#include "quilt/offscreen/testing/virtual_clock.h"
 
 #include <cstdint>
 #include <deque>
@@ -14,19 +14,6 @@ namespace quilt {
 
 class Dialog;
 class Window;
-
-// A clock that moves only when told to, or when the loop it drives would wait or sleep.
-class VirtualClock : public Clock {
-public:
-    explicit VirtualClock(uint32_t start) : now(start) {}
-    uint32_t GetTickCount() override { return now; }
-    void Sleep(uint32_t milliseconds) override { now += milliseconds; }
-    void Set(uint32_t tick) { now = tick; }
-    uint32_t GetNow() const { return now; }
-
-private:
-    uint32_t now;
-};
 
 // Drives the offscreen backend in a test, on a virtual clock: posts what a user does, runs the
 // application's main loop, and reads what the user would see. One per test, made before the
