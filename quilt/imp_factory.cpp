@@ -1,5 +1,11 @@
 #include "quilt/imp_factory.h"
 
+#include "quilt/gtk/gtk_application_imp.h"
+#include "quilt/gtk/gtk_control_imps.h"
+#include "quilt/gtk/gtk_dialog_imp.h"
+#include "quilt/gtk/gtk_gc_imp.h"
+#include "quilt/gtk/gtk_support.h"
+#include "quilt/gtk/gtk_window_imp.h"
 #include "quilt/offscreen/offscreen_application_imp.h"
 #include "quilt/offscreen/offscreen_browse_dialog_imp.h"
 #include "quilt/offscreen/offscreen_control_imps.h"
@@ -65,8 +71,25 @@ constexpr BackendImps headlessImps{
     Make<FontImp, Offscreen_FontImp>,
 };
 
-// The backends of this build. The desktop backend is not among them yet.
-const BackendImps* const builtBackends[] = {&headlessImps};
+constexpr BackendImps desktopImps{
+    Backend::Gtk,
+    "gtk",
+    OpenGtkDisplay,
+    Make<ApplicationImp, Gtk_ApplicationImp>,
+    Make<WindowImp, Gtk_WindowImp>,
+    Make<DialogImp, Gtk_DialogImp>,
+    Make<EditBoxImp, Gtk_EditBoxImp>,
+    Make<CheckBoxImp, Gtk_CheckBoxImp>,
+    Make<ButtonImp, Gtk_ButtonImp>,
+    Make<SliderImp, Gtk_SliderImp>,
+    Make<ProgressBarImp, Gtk_ProgressBarImp>,
+    Make<GCImp, Gtk_GCImp>,
+    Make<RedrawGCImp, Gtk_RedrawGCImp>,
+    Make<FontImp, Gtk_FontImp>,
+};
+
+// The backends of this build.
+const BackendImps* const builtBackends[] = {&headlessImps, &desktopImps};
 
 const BackendImps* FindBuilt(Backend backend) {
     for (const BackendImps* imps : builtBackends) {
@@ -86,15 +109,21 @@ const BackendImps* FindBuilt(const char* name) {
     return nullptr;
 }
 
-bool IsDesktopAvailable() {
+bool IsHeadlessRequested(const char* requested) {
+    return requested != nullptr && std::strcmp(requested, "offscreen") == 0;
+}
+
+// Asks the desktop only when it may be chosen, so that a run asked to be headless never
+// touches a display.
+bool IsDesktopAvailable(const char* requested) {
     const BackendImps* desktop = FindBuilt(Backend::Gtk);
-    return desktop != nullptr && desktop->canOpenDisplay();
+    return !IsHeadlessRequested(requested) && desktop != nullptr && desktop->canOpenDisplay();
 }
 
 } // namespace
 
 Backend ChooseBackend(const char* requested, bool desktopAvailable) {
-    if (requested != nullptr && std::strcmp(requested, "offscreen") == 0) {
+    if (IsHeadlessRequested(requested)) {
         return Backend::Headless;
     }
     return desktopAvailable ? Backend::Gtk : Backend::Headless;
@@ -102,7 +131,8 @@ Backend ChooseBackend(const char* requested, bool desktopAvailable) {
 
 const BackendImps& ImpFactory::GetImps() {
     if (imps == nullptr) {
-        imps = FindBuilt(ChooseBackend(std::getenv("QUILT_PLATFORM"), IsDesktopAvailable()));
+        const char* requested = std::getenv("QUILT_PLATFORM");
+        imps = FindBuilt(ChooseBackend(requested, IsDesktopAvailable(requested)));
     }
     return *imps;
 }

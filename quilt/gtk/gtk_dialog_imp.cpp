@@ -1,0 +1,501 @@
+#include "quilt/gtk/gtk_dialog_imp.h"
+
+#include "quilt/application.h"
+#include "quilt/dialog.h"
+#include "quilt/font.h"
+#include "quilt/gtk/gtk_application_imp.h"
+#include "quilt/gtk/gtk_controls.h"
+#include "quilt/gtk/gtk_support.h"
+#include "quilt/keys.h"
+#include "quilt/size_grip.h"
+
+#include <algorithm>
+
+namespace quilt {
+
+namespace {
+
+// GTK's own controls are roomier than the templates' rectangles: this lets them keep to the
+// rectangles that dialog units give, as the templates were laid out for.
+constexpr char compactStyle[] = R"(
+window.quilt-dialog button { min-height: 0; min-width: 0; padding: 0 6px; }
+window.quilt-dialog entry { min-height: 0; padding-top: 0; padding-bottom: 0; }
+window.quilt-dialog checkbutton { min-height: 0; padding-top: 0; padding-bottom: 0; }
+window.quilt-dialog scale { min-height: 0; padding-top: 0; padding-bottom: 0; }
+window.quilt-dialog progressbar trough, window.quilt-dialog progressbar progress {
+    min-height: 10px; }
+)";
+
+void InstallCompactStyle() {
+    static bool installed = false;
+    if (installed) {
+        return;
+    }
+    installed = true;
+    GtkCssProvider* provider = gtk_css_provider_new();
+    gtk_css_provider_load_from_data(provider, compactStyle, -1, nullptr);
+    gtk_style_context_add_provider_for_screen(gdk_screen_get_default(),
+                                              GTK_STYLE_PROVIDER(provider),
+                                              GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
+    g_object_unref(provider);
+}
+
+bool IsApplicationQuitting() {
+    Application* application = Application::GetCurrent();
+    return application != nullptr && application->GetImp() != nullptr &&
+           application->GetImp()->GetLoop().IsQuitting();
+}
+
+void CollectTabStops(GtkWidget* clientArea, std::vector<GtkWidget*>& stops) {
+    GList* children = gtk_container_get_children(GTK_CONTAINER(clientArea));
+    for (GList* item = children; item != nullptr; item = item->next) {
+        auto* child = GTK_WIDGET(item->data);
+        GtkNative* native = FindNative(child);
+        if (native == nullptr || !gtk_widget_get_visible(child) ||
+            !gtk_widget_is_sensitive(child)) {
+            continue;
+        }
+        if (native->clientArea != nullptr) {
+            CollectTabStops(native->clientArea, stops);
+        } else if ((native->style & StyleTabStop) != 0) {
+            stops.push_back(child);
+        }
+    }
+    g_list_free(children);
+}
+
+// An editable text of several lines takes Return and Tab itself, as a person typing into it
+// expects.
+bool TakesDialogKeys(GtkWidget* focus) {
+    return focus != nullptr && GTK_IS_TEXT_VIEW(focus) &&
+           gtk_text_view_get_editable(GTK_TEXT_VIEW(focus));
+}
+
+// Each static label names the next control in tab order, for its mnemonic and for the
+// accessibility layer; the search wraps around, as the last label of a template may name the
+// first control.
+void TieLabels(GtkWidget* clientArea) {
+    GList* children = gtk_container_get_children(GTK_CONTAINER(clientArea));
+    std::vector<GtkWidget*> controls;
+    for (GList* item = children; item != nullptr; item = item->next) {
+        controls.push_back(GTK_WIDGET(item->data));
+    }
+    g_list_free(children);
+    for (size_t i = 0; i < controls.size(); ++i) {
+        GtkNative* label = FindNative(controls[i]);
+        if (label == nullptr || !GTK_IS_LABEL(label->inner)) {
+            continue;
+        }
+        for (size_t step = 1; step < controls.size(); ++step) {
+            GtkNative* named = FindNative(controls[(i + step) % controls.size()]);
+            if (named != nullptr && (named->style & StyleTabStop) != 0) {
+                gtk_label_set_mnemonic_widget(GTK_LABEL(label->inner), named->inner);
+                break;
+            }
+        }
+    }
+}
+
+} // namespace
+
+const Gtk_DialogImp::DialogKey Gtk_DialogImp::dialogKeys[] = {
+    {KeyReturn, &Gtk_DialogImp::PressDefault},
+    {KeyEscape, &Gtk_DialogImp::PressCancel},
+    {KeyTab, &Gtk_DialogImp::MoveFocus},
+};
+
+bool Gtk_DialogImp::RunNativeModal(const loam::ResourceId& resource, Window* parent) {
+    if (!CreateNativeDialog(resource, parent, false)) {
+        return false;
+    }
+    if (GtkWidget* window = GetWidget()) {
+        gtk_window_set_modal(GTK_WINDOW(window), TRUE);
+    }
+    RunGtkModalLoop([this] { return IsModalRunning(); });
+    Destroy();
+    if (GtkWidget* owner = GetWidgetOf(parent)) {
+        gtk_window_present(GTK_WINDOW(gtk_widget_get_toplevel(owner)));
+    }
+    return true;
+}
+
+void Gtk_DialogImp::EndNativeModal() {
+    if (GtkWidget* window = GetWidget()) {
+        gtk_widget_hide(window);
+    }
+}
+
+bool Gtk_DialogImp::CreateNativeDialog(const loam::ResourceId& resource, Window* parent,
+                                       bool asChild) {
+    dialogTemplate = FindDialogTemplate(resource);
+    GtkNative* parentNative = FindNative(GetWidgetOf(parent));
+    if (dialogTemplate == nullptr || (asChild && parentNative == nullptr)) {
+        return false;
+    }
+    InstallCompactStyle();
+    DialogUnits units = GetUnits();
+    GtkWidget* window = MakeNativeDialog(parent, asChild, units);
+    AddControls(FindNative(window)->clientArea, units);
+    if (!Attach(window)) {
+        gtk_widget_destroy(window);
+        return false;
+    }
+    SetParentWindow(parent);
+    if (!asChild && (dialogTemplate->style & DialogStyleCentre) != 0) {
+        Gtk_WindowImp::Center();
+    }
+    StartDialog((dialogTemplate->style & DialogStyleSizingFrame) != 0);
+    return GetWidget() != nullptr;
+}
+
+// The least size holds from the first showing on, once OnInitDialog has set the dialog's sizes.
+void Gtk_DialogImp::Show(int32_t mode) {
+    if (mode == ShowModeHide) {
+        Gtk_WindowImp::Show(mode);
+        return;
+    }
+    LimitSize();
+    Gtk_WindowImp::Show(mode);
+    if (GtkWidget* window = GetWidget(); window != nullptr && GTK_IS_WINDOW(window)) {
+        gtk_window_present(GTK_WINDOW(window));
+    }
+}
+
+void Gtk_DialogImp::GetChildRects(std::vector<Rect>& rects) {
+    GList* children = gtk_container_get_children(GTK_CONTAINER(GetClientArea()));
+    for (GList* item = children; item != nullptr; item = item->next) {
+        if (GtkNative* native = FindNative(GTK_WIDGET(item->data))) {
+            rects.push_back(native->rect);
+        }
+    }
+    g_list_free(children);
+}
+
+bool Gtk_DialogImp::HasFocusWithin() {
+    GtkWidget* window = gtk_widget_get_toplevel(GetWidget());
+    GtkWidget* focus = GTK_IS_WINDOW(window) ? gtk_window_get_focus(GTK_WINDOW(window)) : nullptr;
+    return focus != nullptr && (focus == GetWidget() || gtk_widget_is_ancestor(focus, GetWidget()));
+}
+
+void Gtk_DialogImp::FocusFirstTabStop() {
+    std::vector<GtkWidget*> stops = GetTabStops();
+    if (!stops.empty()) {
+        gtk_widget_grab_focus(FindNative(stops.front())->inner);
+    }
+}
+
+GtkWidget* Gtk_DialogImp::MakeNativeDialog(Window* parent, bool asChild, const DialogUnits& units) {
+    int32_t width = units.ToPixelsX(dialogTemplate->width);
+    int32_t height = units.ToPixelsY(dialogTemplate->height);
+    GtkWidget* area = NewClientArea();
+    if (asChild) {
+        gtk_widget_set_has_window(area, TRUE);
+        GtkNative& native = AttachNative(area);
+        native.clientArea = area;
+        PlaceControl(FindNative(GetWidgetOf(parent))->clientArea, area, 0,
+                     Rect{0, 0, width, height});
+        return area;
+    }
+    GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    GtkNative& native = AttachNative(window);
+    native.clientArea = area;
+    gtk_style_context_add_class(gtk_widget_get_style_context(window), "quilt-dialog");
+    gtk_window_set_title(GTK_WINDOW(window), ToDisplayText(dialogTemplate->title).c_str());
+    bool sizable = (dialogTemplate->style & DialogStyleSizingFrame) != 0;
+    gtk_window_set_resizable(GTK_WINDOW(window), sizable);
+    gtk_window_set_default_size(GTK_WINDOW(window), width, height);
+    gtk_widget_set_size_request(area, width, height);
+    // A top-level dialog comes up at its owner's corner unless it is centred.
+    Rect ownerRect;
+    GtkWidget* owner = GetWidgetOf(parent);
+    if (owner != nullptr) {
+        GtkWidget* ownerWindow = gtk_widget_get_toplevel(owner);
+        gtk_window_set_transient_for(GTK_WINDOW(window), GTK_WINDOW(ownerWindow));
+        if (GtkNative* ownerNative = FindNative(ownerWindow)) {
+            ownerRect = ownerNative->rect;
+        }
+    }
+    native.rect =
+        Rect{ownerRect.left, ownerRect.top, ownerRect.left + width, ownerRect.top + height};
+    gtk_window_move(GTK_WINDOW(window), ownerRect.left, ownerRect.top);
+    gtk_container_add(GTK_CONTAINER(window), area);
+    gtk_widget_show(area);
+    ConnectTopLevel(window);
+    g_signal_connect(window, "button-press-event", G_CALLBACK(OnGripPress), this);
+    return window;
+}
+
+void Gtk_DialogImp::AddControls(GtkWidget* clientArea, const DialogUnits& units) {
+    for (const DialogControlTemplate& control : dialogTemplate->controls) {
+        uint32_t style = GetControlKindStyle(control.kind) | control.style;
+        GtkWidget* widget = MakeControl(control.kind, style, control.text);
+        PlaceControl(clientArea, widget, control.id, units.ToPixels(control.rect.ToRect()));
+        if ((style & StyleDefaultButton) != 0) {
+            gtk_widget_grab_default(widget);
+        }
+    }
+    TieLabels(clientArea);
+}
+
+// A dialog that the owner holds to a least size can't be made smaller on the screen.
+void Gtk_DialogImp::LimitSize() {
+    GtkWidget* area = GetClientArea();
+    if (area == nullptr || !GTK_IS_WINDOW(GetWidget())) {
+        return;
+    }
+    Rect client;
+    GetClientRect(client);
+    Size least{1, 1};
+    bool sizable = gtk_window_get_resizable(GTK_WINDOW(GetWidget()));
+    if (!sizable) {
+        gtk_widget_set_size_request(area, client.GetWidth(), client.GetHeight());
+        return;
+    }
+    if (!ConstrainSize(least)) {
+        least = Size{1, 1};
+    }
+    gtk_widget_set_size_request(area, least.width, least.height);
+    gtk_window_resize(GTK_WINDOW(GetWidget()), client.GetWidth(), client.GetHeight());
+}
+
+bool Gtk_DialogImp::IsModalRunning() const {
+    return !HasRunEnded() && GetWidget() != nullptr && !IsApplicationQuitting();
+}
+
+void Gtk_DialogImp::EnableControl(int32_t id, bool enable) {
+    if (GtkWidget* control = FindControl(id)) {
+        gtk_widget_set_sensitive(control, enable);
+    }
+}
+
+void Gtk_DialogImp::MoveControl(int32_t id, int32_t x, int32_t y) {
+    Rect rect;
+    if (GetControlRect(id, rect)) {
+        SetControlRect(id, Rect{x, y, x + rect.GetWidth(), y + rect.GetHeight()});
+    }
+}
+
+void Gtk_DialogImp::OffsetControl(int32_t id, int32_t dx, int32_t dy) {
+    Rect rect;
+    if (GetControlRect(id, rect)) {
+        rect.Offset(dx, dy);
+        SetControlRect(id, rect);
+    }
+}
+
+void Gtk_DialogImp::SetControlSize(int32_t id, int32_t width, int32_t height) {
+    Rect rect;
+    if (GetControlRect(id, rect)) {
+        SetControlRect(id, Rect{rect.left, rect.top, rect.left + width, rect.top + height});
+    }
+}
+
+void Gtk_DialogImp::ShowControl(int32_t id) {
+    if (GtkWidget* control = FindControl(id)) {
+        gtk_widget_show(control);
+    }
+}
+
+void Gtk_DialogImp::HideControl(int32_t id) {
+    if (GtkWidget* control = FindControl(id)) {
+        gtk_widget_hide(control);
+    }
+}
+
+bool Gtk_DialogImp::GetControlRect(int32_t id, Rect& rect) {
+    GtkNative* native = FindNative(FindControl(id));
+    if (native == nullptr) {
+        return false;
+    }
+    rect = native->rect;
+    return true;
+}
+
+void Gtk_DialogImp::SetControlRect(int32_t id, const Rect& rect) {
+    GtkWidget* control = FindControl(id);
+    if (control == nullptr) {
+        return;
+    }
+    if (deferDepth > 0) {
+        deferredMoves.emplace_back(id, rect);
+        return;
+    }
+    MoveControlTo(control, rect);
+}
+
+void Gtk_DialogImp::EndLayout() {
+    if (deferDepth == 0 || --deferDepth > 0) {
+        return;
+    }
+    std::vector<std::pair<int32_t, Rect>> moves;
+    moves.swap(deferredMoves);
+    for (const auto& [id, rect] : moves) {
+        if (GtkWidget* control = FindControl(id)) {
+            MoveControlTo(control, rect);
+        }
+    }
+}
+
+void Gtk_DialogImp::SetCheck(int32_t id, int32_t state) {
+    if (GtkWidget* control = FindControl(id)) {
+        SetCheckState(control, state);
+    }
+}
+
+int32_t Gtk_DialogImp::GetCheck(int32_t id) {
+    if (GetWidget() == nullptr) {
+        return CheckStateIndeterminate;
+    }
+    return GetCheckState(FindControl(id));
+}
+
+bool Gtk_DialogImp::GetControlWindow(int32_t id, Window** window) {
+    GtkNative* native = FindNative(FindControl(id));
+    if (native == nullptr || native->imp == nullptr) {
+        return false;
+    }
+    *window = native->imp->GetOwner();
+    return true;
+}
+
+bool Gtk_DialogImp::GetControlText(int32_t id, loam::String& text) {
+    GtkWidget* control = FindControl(id);
+    return control != nullptr && quilt::GetControlText(control, text);
+}
+
+bool Gtk_DialogImp::SetControlText(int32_t id, const loam::String& text) {
+    GtkWidget* control = FindControl(id);
+    return control != nullptr && quilt::SetControlText(control, text);
+}
+
+bool Gtk_DialogImp::SetControlId(int32_t id, int32_t newId) {
+    GtkNative* native = FindNative(FindControl(id));
+    if (native == nullptr) {
+        return false;
+    }
+    native->id = newId;
+    return true;
+}
+
+void Gtk_DialogImp::MapDialogRect(Rect& rect) {
+    rect = GetUnits().ToPixels(rect);
+}
+
+void Gtk_DialogImp::SetRect(const Rect& rect, bool repaint) {
+    Gtk_WindowImp::SetRect(rect, repaint);
+    KeepPlacement();
+}
+
+bool Gtk_DialogImp::OnKeyEvent(const GdkEventKey& event) {
+    int32_t key = 0;
+    uint32_t modifiers = 0;
+    const DialogKey* dialogKey = nullptr;
+    if (event.type == GDK_KEY_PRESS && TranslateKey(event, key, modifiers)) {
+        auto found = std::find_if(std::begin(dialogKeys), std::end(dialogKeys),
+                                  [key](const DialogKey& entry) { return entry.key == key; });
+        dialogKey = found != std::end(dialogKeys) ? found : nullptr;
+    }
+    if (dialogKey == nullptr) {
+        return Gtk_WindowImp::OnKeyEvent(event);
+    }
+    GtkWidget* focus = gtk_window_get_focus(GTK_WINDOW(GetWidget()));
+    Gtk_WindowImp* target = FindImpAbove(focus);
+    int32_t nativeCode = TakesDialogKeys(focus) ? DialogCodeWantAllKeys : 0;
+    int32_t code = target != nullptr && target != this
+                       ? target->GetDialogCode(KeyEventDown, key, nativeCode)
+                       : nativeCode;
+    bool wantsTab = key == KeyTab && (code & DialogCodeWantTab) != 0;
+    if ((code & DialogCodeWantAllKeys) != 0 || wantsTab) {
+        return Gtk_WindowImp::OnKeyEvent(event);
+    }
+    (this->*dialogKey->press)(focus, modifiers);
+    return true;
+}
+
+void Gtk_DialogImp::PressDefault(GtkWidget* focus, uint32_t) {
+    GtkWidget* focused = FindNativeWidgetAbove(focus);
+    if (focused != nullptr && focused != GetWidget() && IsPushButton(focused)) {
+        PressButton(focused);
+        return;
+    }
+    for (GtkWidget* stop : GetTabStops()) {
+        GtkNative* native = FindNative(stop);
+        if ((native->style & StyleDefaultButton) != 0) {
+            PressButton(stop);
+            return;
+        }
+    }
+    SendCommand(IdOK);
+}
+
+void Gtk_DialogImp::PressCancel(GtkWidget*, uint32_t) {
+    SendCommand(IdCancel);
+}
+
+void Gtk_DialogImp::MoveFocus(GtkWidget* focus, uint32_t modifiers) {
+    std::vector<GtkWidget*> stops = GetTabStops();
+    if (stops.empty()) {
+        return;
+    }
+    auto count = static_cast<int32_t>(stops.size());
+    bool backwards = (modifiers & ModifierShift) != 0;
+    auto found = std::find(stops.begin(), stops.end(), FindNativeWidgetAbove(focus));
+    int32_t next = backwards ? count - 1 : 0;
+    if (found != stops.end()) {
+        auto index = static_cast<int32_t>(found - stops.begin());
+        next = (index + (backwards ? count - 1 : 1)) % count;
+    }
+    gtk_widget_grab_focus(FindNative(stops[next])->inner);
+}
+
+std::vector<GtkWidget*> Gtk_DialogImp::GetTabStops() const {
+    std::vector<GtkWidget*> stops;
+    if (GtkWidget* area = GetClientArea()) {
+        CollectTabStops(area, stops);
+    }
+    return stops;
+}
+
+void Gtk_DialogImp::SendCommand(int32_t id) {
+    OnControlEvent(NativeNotification{ControlEvent::Clicked, id, 0});
+}
+
+void Gtk_DialogImp::OnCloseRequest() {
+    if (!GetOwner()->OnClose()) {
+        SendCommand(IdCancel);
+    }
+}
+
+GtkWidget* Gtk_DialogImp::FindControl(int32_t id) const {
+    return GetWidget() != nullptr ? FindControlIn(GetWidget(), id) : nullptr;
+}
+
+DialogUnits Gtk_DialogImp::GetUnits() const {
+    if (dialogTemplate == nullptr) {
+        return DialogUnits::OfDialogFont();
+    }
+    Font font;
+    font.Create(loam::String(dialogTemplate->fontName), dialogTemplate->fontPoints);
+    return DialogUnits(font);
+}
+
+// The grip's corner of a resizable dialog is its sizing corner, wherever the grip is drawn.
+gboolean Gtk_DialogImp::OnGripPress(GtkWidget* window, GdkEventButton* event, gpointer data) {
+    auto* imp = static_cast<Gtk_DialogImp*>(data);
+    Rect client;
+    if (!gtk_window_get_resizable(GTK_WINDOW(window)) || event->button != 1 ||
+        !imp->GetClientRect(client)) {
+        return FALSE;
+    }
+    Point point{static_cast<int32_t>(event->x), static_cast<int32_t>(event->y)};
+    Rect grip = SizeGrip::GetGripRect(client);
+    if (point.x < grip.left || point.y < grip.top) {
+        return FALSE;
+    }
+    gtk_window_begin_resize_drag(GTK_WINDOW(window), GDK_WINDOW_EDGE_SOUTH_EAST,
+                                 static_cast<gint>(event->button), static_cast<gint>(event->x_root),
+                                 static_cast<gint>(event->y_root), event->time);
+    return TRUE;
+}
+
+} // namespace quilt

@@ -1,0 +1,203 @@
+"""Drives the real program on a private desktop (scripts/desktop-session): starts it, finds its
+windows and controls through the accessibility bus, clicks and types with xdotool and keeps
+screenshots. One program session per test process: the accessibility client keeps its first bus.
+"""
+
+import os
+import subprocess
+import sys
+import tempfile
+import time
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi  # noqa: E402
+
+# How long a window may take to come up or to change, on a machine that is busy building.
+PATIENCE = 20.0
+
+
+class Failure(Exception):
+    pass
+
+
+def check(condition, what):
+    if not condition:
+        raise Failure(what)
+
+
+def wait_for(what, probe, patience=PATIENCE):
+    """Polls `probe` until it gives something true, and gives that."""
+    deadline = time.monotonic() + patience
+    while True:
+        found = probe()
+        if found:
+            return found
+        if time.monotonic() > deadline:
+            raise Failure("gave up waiting for " + what)
+        time.sleep(0.1)
+
+
+def text_of(node):
+    """What a control shows: its text for an edit box, its name for anything else."""
+    try:
+        text = Atspi.Text.get_text(node, 0, -1)
+        if text is not None and node.get_role() in (Atspi.Role.TEXT, Atspi.Role.ENTRY):
+            return text
+    except Exception:  # not a text: its name is what it shows
+        pass
+    return node.get_name() or ""
+
+
+def walk(node):
+    yield node
+    for index in range(node.get_child_count()):
+        child = node.get_child_at_index(index)
+        if child is not None:
+            yield from walk(child)
+
+
+class Session:
+    """One run of the program with its own settings, index folder and tree to index."""
+
+    def __init__(self, name, tree_files=0):
+        self.name = name
+        self.home = tempfile.mkdtemp(prefix="sorvanta-desktop-")
+        self.artefacts = os.environ.get("SORVANTA_ARTEFACTS", os.path.join(self.home, "shots"))
+        os.makedirs(self.artefacts, exist_ok=True)
+        self.tree = os.path.join(self.home, "tree")
+        os.makedirs(self.tree)
+        self.make_tree(tree_files)
+        self.process = None
+
+    def make_tree(self, count, per_folder=500):
+        for number in range(count):
+            folder = os.path.join(self.tree, "folder%03d" % (number // per_folder))
+            os.makedirs(folder, exist_ok=True)
+            open(os.path.join(folder, "file%05d.txt" % number), "w").close()
+
+    def write_settings(self, text):
+        folder = os.path.join(self.home, "config", "Wendlemark")
+        os.makedirs(folder, exist_ok=True)
+        with open(os.path.join(folder, "Sorvanta.conf"), "w") as settings:
+            settings.write(text)
+
+    def start(self, *arguments):
+        environment = dict(os.environ)
+        environment.update(
+            XDG_CONFIG_HOME=os.path.join(self.home, "config"),
+            XDG_DATA_HOME=os.path.join(self.home, "data"),
+            SORVANTA_ROOTS=self.tree,
+            QUILT_PLATFORM="gtk",
+        )
+        program = os.path.join(os.environ["SORVANTA_BUILD"], "app", "sorvanta")
+        self.process = subprocess.Popen([program, *arguments], env=environment)
+        return self
+
+    def application(self):
+        desktop = Atspi.get_desktop(0)
+        for index in range(desktop.get_child_count()):
+            application = desktop.get_child_at_index(index)
+            if application is not None and application.get_process_id() == self.process.pid:
+                return application
+        return None
+
+    def window(self, title):
+        def probe():
+            application = self.application()
+            if application is None:
+                return None
+            for index in range(application.get_child_count()):
+                window = application.get_child_at_index(index)
+                if window is not None and window.get_name() == title and self.showing(window):
+                    return window
+            return None
+
+        return wait_for("the window '%s'" % title, probe)
+
+    @staticmethod
+    def showing(node):
+        return node.get_state_set().contains(Atspi.StateType.SHOWING)
+
+    def control(self, window, role, name=None):
+        for node in walk(window):
+            if node.get_role() == role and (name is None or node.get_name() == name):
+                return node
+        raise Failure("no %s named '%s' in '%s'" % (role.value_nick, name, window.get_name()))
+
+    def controls(self, window, role):
+        return [node for node in walk(window) if node.get_role() == role]
+
+    @staticmethod
+    def centre(node):
+        box = node.get_extents(Atspi.CoordType.SCREEN)
+        return box.x + box.width // 2, box.y + box.height // 2
+
+    def click(self, node):
+        """A click with the pointer at the control: a button whose handler runs a modal loop
+        must not be pressed through the accessibility bus, which would wait for the loop."""
+        x, y = self.centre(node)
+        self.xdotool("mousemove", str(x), str(y), "click", "1")
+
+    def focus(self, window):
+        """Without a window manager the keyboard follows the pointer: point into the window."""
+        box = window.get_extents(Atspi.CoordType.SCREEN)
+        self.xdotool("mousemove", str(box.x + 2), str(box.y + 2))
+        time.sleep(0.2)
+
+    def keys(self, *names):
+        self.xdotool("key", "--delay", "50", *names)
+
+    def type(self, text):
+        self.xdotool("type", "--delay", "20", text)
+
+    @staticmethod
+    def xdotool(*arguments):
+        subprocess.run(["xdotool", *arguments], check=True)
+
+    def screenshot(self, name, window=None):
+        """Keeps the screen as a test artefact: the part around `window` when one is given."""
+        time.sleep(0.3)
+        path = os.path.join(self.artefacts, "%s-%s.png" % (self.name, name))
+        command = ["/usr/bin/import", "-window", "root"]
+        if window is not None:
+            box = window.get_extents(Atspi.CoordType.SCREEN)
+            margin = 8
+            command += [
+                "-crop",
+                "%dx%d+%d+%d"
+                % (
+                    box.width + 2 * margin,
+                    box.height + 2 * margin,
+                    max(box.x - margin, 0),
+                    max(box.y - margin, 0),
+                ),
+                "+repage",
+            ]
+        subprocess.run(command + [path], check=True)
+        return path
+
+    def wait_exit(self, patience=PATIENCE):
+        try:
+            return self.process.wait(patience)
+        except subprocess.TimeoutExpired:
+            raise Failure("the program did not end")
+
+    def stop(self):
+        if self.process is not None and self.process.poll() is None:
+            self.process.kill()
+            self.process.wait()
+
+
+def run(test, session):
+    """Runs one test function on a session; exit code 0 when it passed."""
+    try:
+        test(session)
+    except Failure as failure:
+        print("%s: FAILED: %s" % (session.name, failure), file=sys.stderr)
+        return 1
+    finally:
+        session.stop()
+    print("%s: passed (screenshots in %s)" % (session.name, session.artefacts))
+    return 0
