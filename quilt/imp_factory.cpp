@@ -4,6 +4,7 @@
 #include "quilt/gtk/gtk_control_imps.h"
 #include "quilt/gtk/gtk_dialog_imp.h"
 #include "quilt/gtk/gtk_gc_imp.h"
+#include "quilt/gtk/gtk_list_imps.h"
 #include "quilt/gtk/gtk_support.h"
 #include "quilt/gtk/gtk_window_imp.h"
 #include "quilt/offscreen/offscreen_application_imp.h"
@@ -83,6 +84,9 @@ constexpr BackendImps desktopImps{
     Make<ButtonImp, Gtk_ButtonImp>,
     Make<SliderImp, Gtk_SliderImp>,
     Make<ProgressBarImp, Gtk_ProgressBarImp>,
+    Make<ListBoxImp, Gtk_ListBoxImp>,
+    Make<DropDownListImp, Gtk_DropDownListImp>,
+    Make<BrowseDialogImp, Gtk_BrowseDialogImp>,
     Make<GCImp, Gtk_GCImp>,
     Make<RedrawGCImp, Gtk_RedrawGCImp>,
     Make<FontImp, Gtk_FontImp>,

@@ -2,6 +2,7 @@
 
 #include "quilt/dialog_imp.h"
 #include "quilt/dialog_template.h"
+#include "quilt/gtk/gtk_list_controls.h"
 #include "quilt/gtk/gtk_support.h"
 #include "quilt/gtk/gtk_window_imp.h"
 #include "quilt/progress_bar.h"
@@ -192,11 +193,19 @@ constexpr ControlMaker controlMakers[] = {
     {ControlKind::CheckBox, MakeButton},   {ControlKind::AutoCheckBox, MakeButton},
     {ControlKind::GroupBox, MakeButton},   {ControlKind::Edit, MakeEdit},
     {ControlKind::TrackBar, MakeTrackBar}, {ControlKind::ProgressBar, MakeProgressBar},
+    {ControlKind::ListView, MakeListView}, {ControlKind::ComboBoxWithEdit, MakeDropDownList},
 };
 
 GtkWidget* InnerOf(GtkWidget* control) {
     GtkNative* native = FindNative(control);
     return native != nullptr ? native->inner : control;
+}
+
+// A drop-down list's rectangle includes its open list: the field keeps its own height.
+void SizeControl(GtkWidget* control, const Rect& rect) {
+    GtkNative* native = FindNative(control);
+    bool dropsDown = native != nullptr && GTK_IS_COMBO_BOX(native->inner);
+    gtk_widget_set_size_request(control, rect.GetWidth(), dropsDown ? -1 : rect.GetHeight());
 }
 
 } // namespace
@@ -228,7 +237,7 @@ void PlaceControl(GtkWidget* clientArea, GtkWidget* control, int32_t id, const R
     native->id = id;
     native->rect = rect;
     gtk_fixed_put(GTK_FIXED(clientArea), control, rect.left, rect.top);
-    gtk_widget_set_size_request(control, rect.GetWidth(), rect.GetHeight());
+    SizeControl(control, rect);
     if ((native->style & StyleHidden) == 0) {
         gtk_widget_show(control);
     }
@@ -242,7 +251,7 @@ void MoveControlTo(GtkWidget* control, const Rect& rect) {
     }
     native->rect = rect;
     gtk_fixed_move(GTK_FIXED(parent), control, rect.left, rect.top);
-    gtk_widget_set_size_request(control, rect.GetWidth(), rect.GetHeight());
+    SizeControl(control, rect);
 }
 
 bool SetControlText(GtkWidget* control, const loam::String& text) {
@@ -259,6 +268,8 @@ bool SetControlText(GtkWidget* control, const loam::String& text) {
                                          ToMnemonicText(text.GetCString()).c_str());
     } else if (GTK_IS_ENTRY(inner)) {
         gtk_entry_set_text(GTK_ENTRY(inner), shown.c_str());
+    } else if (GTK_IS_COMBO_BOX(inner)) {
+        gtk_entry_set_text(GetDropDownEntry(inner), shown.c_str());
     } else if (GTK_IS_TEXT_VIEW(inner)) {
         GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(inner));
         gtk_text_buffer_set_text(buffer, shown.c_str(), -1);
@@ -283,6 +294,8 @@ bool GetControlText(GtkWidget* control, loam::String& text) {
         text = gtk_label_get_text(GTK_LABEL(inner));
     } else if (GTK_IS_ENTRY(inner)) {
         text = gtk_entry_get_text(GTK_ENTRY(inner));
+    } else if (GTK_IS_COMBO_BOX(inner)) {
+        text = gtk_entry_get_text(GetDropDownEntry(inner));
     } else if (GTK_IS_TEXT_VIEW(inner)) {
         GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(inner));
         GtkTextIter start;

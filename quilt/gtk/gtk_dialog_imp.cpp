@@ -439,7 +439,9 @@ void Gtk_DialogImp::MoveFocus(GtkWidget* focus, uint32_t modifiers) {
     }
     auto count = static_cast<int32_t>(stops.size());
     bool backwards = (modifiers & ModifierShift) != 0;
-    auto found = std::find(stops.begin(), stops.end(), FindNativeWidgetAbove(focus));
+    auto found = std::find_if(stops.begin(), stops.end(), [focus](GtkWidget* stop) {
+        return focus != nullptr && (focus == stop || gtk_widget_is_ancestor(focus, stop));
+    });
     int32_t next = backwards ? count - 1 : 0;
     if (found != stops.end()) {
         auto index = static_cast<int32_t>(found - stops.begin());

@@ -83,7 +83,7 @@ class Session:
         with open(os.path.join(folder, "Sorvanta.conf"), "w") as settings:
             settings.write(text)
 
-    def start(self, *arguments):
+    def environment(self):
         environment = dict(os.environ)
         environment.update(
             XDG_CONFIG_HOME=os.path.join(self.home, "config"),
@@ -91,9 +91,23 @@ class Session:
             SORVANTA_ROOTS=self.tree,
             QUILT_PLATFORM="gtk",
         )
-        program = os.path.join(os.environ["SORVANTA_BUILD"], "app", "sorvanta")
-        self.process = subprocess.Popen([program, *arguments], env=environment)
+        return environment
+
+    @staticmethod
+    def program():
+        return os.path.join(os.environ["SORVANTA_BUILD"], "app", "sorvanta")
+
+    def start(self, *arguments):
+        self.process = subprocess.Popen([self.program(), *arguments], env=self.environment())
         return self
+
+    def application_windows(self):
+        """The program's top-level windows on the screen."""
+        application = self.application()
+        if application is None:
+            return []
+        windows = [application.get_child_at_index(i) for i in range(application.get_child_count())]
+        return [window for window in windows if window is not None and self.showing(window)]
 
     def application(self):
         desktop = Atspi.get_desktop(0)

@@ -1,0 +1,243 @@
+#include "quilt/gtk/gtk_list_controls.h"
+
+#include "quilt/dialog_template.h"
+#include "quilt/gtk/gtk_window_imp.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace quilt {
+
+namespace {
+
+constexpr char storeKey[] = "quilt-list-store";
+constexpr char columnKey[] = "quilt-list-column";
+constexpr char checkRendererKey[] = "quilt-check-renderer";
+constexpr char placeholderName[] = "Call SetNumberOfColumns() and SetColumnName()! :-)";
+constexpr int32_t placeholderWidth = 10000;
+
+uint32_t AsDetail(int32_t value) {
+    return static_cast<uint32_t>(value);
+}
+
+bool IsQuiet(GtkWidget* widget) {
+    GtkNative* native = FindNativeAbove(widget);
+    return native == nullptr || native->quiet;
+}
+
+void Notify(GtkWidget* widget, ControlEvent event, uint32_t detail = 0) {
+    if (!IsQuiet(widget)) {
+        DeliverNotification(widget, event, detail);
+    }
+}
+
+GtkListStore* NewStore(int32_t textColumns) {
+    std::vector<GType> types{G_TYPE_UINT, G_TYPE_STRING, G_TYPE_BOOLEAN};
+    types.resize(static_cast<size_t>(ListStoreFirstText + textColumns), G_TYPE_STRING);
+    return gtk_list_store_newv(static_cast<gint>(types.size()), types.data());
+}
+
+// Only the rows on the screen are drawn, so a name's display form is made for those alone.
+void ShowCellText(GtkTreeViewColumn*, GtkCellRenderer* renderer, GtkTreeModel* model,
+                  GtkTreeIter* iter, gpointer column) {
+    gchar* text = nullptr;
+    gchar* colour = nullptr;
+    gtk_tree_model_get(model, iter, ListStoreFirstText + GPOINTER_TO_INT(column), &text,
+                       ListStoreColour, &colour, -1);
+    std::string shown = ToDisplayText(text != nullptr ? text : "");
+    g_object_set(renderer, "text", shown.c_str(), "foreground", colour, "foreground-set",
+                 colour != nullptr, nullptr);
+    g_free(text);
+    g_free(colour);
+}
+
+void OnColumnClicked(GtkTreeViewColumn* column, gpointer view) {
+    int32_t index = GPOINTER_TO_INT(g_object_get_data(G_OBJECT(column), columnKey));
+    Notify(GTK_WIDGET(view), ControlEvent::ColumnClicked, AsDetail(index));
+}
+
+GtkTreeViewColumn* NewViewColumn(GtkWidget* view, int32_t index, const char* title, int32_t width) {
+    GtkTreeViewColumn* column = gtk_tree_view_column_new();
+    gtk_tree_view_column_set_title(column, title);
+    gtk_tree_view_column_set_sizing(column, GTK_TREE_VIEW_COLUMN_FIXED);
+    gtk_tree_view_column_set_fixed_width(column, width);
+    gtk_tree_view_column_set_resizable(column, TRUE);
+    gtk_tree_view_column_set_clickable(column, TRUE);
+    g_object_set_data(G_OBJECT(column), columnKey, GINT_TO_POINTER(index));
+    if (index == 0) {
+        GtkCellRenderer* check = gtk_cell_renderer_toggle_new();
+        g_object_set(check, "visible", FALSE, nullptr);
+        gtk_tree_view_column_pack_start(column, check, FALSE);
+        gtk_tree_view_column_add_attribute(column, check, "active", ListStoreChecked);
+        g_object_set_data(G_OBJECT(view), checkRendererKey, check);
+    }
+    GtkCellRenderer* text = gtk_cell_renderer_text_new();
+    g_object_set(text, "ellipsize", PANGO_ELLIPSIZE_END, nullptr);
+    gtk_tree_view_column_pack_start(column, text, TRUE);
+    gtk_tree_view_column_set_cell_data_func(column, text, ShowCellText, GINT_TO_POINTER(index),
+                                            nullptr);
+    g_signal_connect(column, "clicked", G_CALLBACK(OnColumnClicked), view);
+    gtk_tree_view_append_column(GTK_TREE_VIEW(view), column);
+    return column;
+}
+
+void OnSelectionChanged(GtkTreeSelection* selection, gpointer) {
+    Notify(GTK_WIDGET(gtk_tree_selection_get_tree_view(selection)), ControlEvent::SelectionChanged);
+}
+
+void OnRowActivated(GtkTreeView* view, GtkTreePath* path, GtkTreeViewColumn*, gpointer) {
+    Notify(GTK_WIDGET(view), ControlEvent::ItemActivated,
+           AsDetail(gtk_tree_path_get_indices(path)[0]));
+}
+
+void CopyRows(GtkListStore* from, GtkListStore* to, int32_t textColumns) {
+    GtkTreeModel* model = GTK_TREE_MODEL(from);
+    GtkTreeIter source;
+    for (gboolean more = gtk_tree_model_get_iter_first(model, &source); more;
+         more = gtk_tree_model_iter_next(model, &source)) {
+        GtkTreeIter target;
+        gtk_list_store_append(to, &target);
+        for (int32_t column = 0; column < ListStoreFirstText + textColumns; ++column) {
+            GValue value = G_VALUE_INIT;
+            gtk_tree_model_get_value(model, &source, column, &value);
+            gtk_list_store_set_value(to, &target, column, &value);
+            g_value_unset(&value);
+        }
+    }
+}
+
+// The field's text is the list's, for the dialog it sits in.
+void OnEntryChanged(GtkEditable*, gpointer combo) {
+    Notify(GTK_WIDGET(combo), ControlEvent::TextChanged);
+}
+
+// A row taken from the open list is chosen there and then.
+void OnComboChanged(GtkComboBox* combo, gpointer) {
+    if (gtk_combo_box_get_active(combo) < 0) {
+        return;
+    }
+    GtkWidget* widget = GTK_WIDGET(combo);
+    Notify(widget, ControlEvent::SelectionChanged);
+    Notify(widget, ControlEvent::SelectionEnded);
+}
+
+void OnPopupShown(GObject* combo, GParamSpec*, gpointer) {
+    gboolean shown = FALSE;
+    g_object_get(combo, "popup-shown", &shown, nullptr);
+    Notify(GTK_WIDGET(combo), shown ? ControlEvent::ListOpened : ControlEvent::ListClosed);
+}
+
+} // namespace
+
+GtkWidget* MakeListView(GtkNative& native, uint32_t style, const char*) {
+    GtkListStore* store = NewStore(1);
+    GtkWidget* view = gtk_tree_view_new_with_model(GTK_TREE_MODEL(store));
+    g_object_set_data_full(G_OBJECT(view), storeKey, store, g_object_unref);
+    bool report = (style & StyleReportView) != 0;
+    NewViewColumn(view, 0, report ? placeholderName : "", report ? placeholderWidth : 1);
+    gtk_tree_view_set_headers_visible(GTK_TREE_VIEW(view), report);
+    gtk_tree_view_set_fixed_height_mode(GTK_TREE_VIEW(view), TRUE);
+    gtk_tree_view_set_enable_search(GTK_TREE_VIEW(view), FALSE);
+    GtkTreeSelection* selection = gtk_tree_view_get_selection(GTK_TREE_VIEW(view));
+    gtk_tree_selection_set_mode(selection, (style & StyleSingleSelection) != 0
+                                               ? GTK_SELECTION_SINGLE
+                                               : GTK_SELECTION_MULTIPLE);
+    g_signal_connect(selection, "changed", G_CALLBACK(OnSelectionChanged), nullptr);
+    g_signal_connect(view, "row-activated", G_CALLBACK(OnRowActivated), nullptr);
+    GtkWidget* scroller = gtk_scrolled_window_new(nullptr, nullptr);
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scroller), GTK_POLICY_AUTOMATIC,
+                                   GTK_POLICY_AUTOMATIC);
+    gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scroller), (style & StyleBorder) != 0
+                                                                           ? GTK_SHADOW_IN
+                                                                           : GTK_SHADOW_NONE);
+    gtk_container_add(GTK_CONTAINER(scroller), view);
+    gtk_widget_show(view);
+    native.inner = view;
+    return scroller;
+}
+
+GtkWidget* MakeDropDownList(GtkNative& native, uint32_t, const char* text) {
+    GtkWidget* combo = gtk_combo_box_text_new_with_entry();
+    GtkEntry* entry = GetDropDownEntry(combo);
+    gtk_entry_set_text(entry, ToDisplayText(text).c_str());
+    gtk_entry_set_width_chars(entry, 1);
+    GtkNative& field = AttachNative(GTK_WIDGET(entry));
+    field.id = DropDownEditId;
+    field.style = StyleAutoHScroll | StyleTabStop;
+    g_signal_connect(entry, "changed", G_CALLBACK(OnEntryChanged), combo);
+    g_signal_connect(combo, "changed", G_CALLBACK(OnComboChanged), nullptr);
+    g_signal_connect(combo, "notify::popup-shown", G_CALLBACK(OnPopupShown), nullptr);
+    native.inner = combo;
+    return combo;
+}
+
+GtkListStore* GetListStore(GtkWidget* view) {
+    return view != nullptr ? static_cast<GtkListStore*>(g_object_get_data(G_OBJECT(view), storeKey))
+                           : nullptr;
+}
+
+int32_t GetListColumnCount(GtkWidget* view) {
+    return static_cast<int32_t>(gtk_tree_view_get_n_columns(GTK_TREE_VIEW(view)));
+}
+
+void SetListColumnCount(GtkWidget* view, int32_t count) {
+    int32_t present = GetListColumnCount(view);
+    if (count < 1 || count == present) {
+        return;
+    }
+    GtkListStore* old = GetListStore(view);
+    GtkListStore* store = NewStore(count);
+    CopyRows(old, store, std::min(count, present));
+    bool attached = IsListStoreAttached(view);
+    GtkNative* native = FindNativeAbove(view);
+    bool wasQuiet = native->quiet;
+    native->quiet = true;
+    gtk_tree_view_set_model(GTK_TREE_VIEW(view), nullptr);
+    g_object_set_data_full(G_OBJECT(view), storeKey, store, g_object_unref);
+    for (int32_t index = present - 1; index >= count; --index) {
+        gtk_tree_view_remove_column(GTK_TREE_VIEW(view),
+                                    gtk_tree_view_get_column(GTK_TREE_VIEW(view), index));
+    }
+    for (int32_t index = present; index < count; ++index) {
+        NewViewColumn(view, index, "", ListColumnWidth);
+    }
+    if (attached) {
+        gtk_tree_view_set_model(GTK_TREE_VIEW(view), GTK_TREE_MODEL(store));
+    }
+    native->quiet = wasQuiet;
+}
+
+void DetachListStore(GtkWidget* view) {
+    GtkNative* native = FindNativeAbove(view);
+    bool wasQuiet = native->quiet;
+    native->quiet = true;
+    gtk_tree_view_set_model(GTK_TREE_VIEW(view), nullptr);
+    native->quiet = wasQuiet;
+}
+
+void AttachListStore(GtkWidget* view) {
+    GtkNative* native = FindNativeAbove(view);
+    bool wasQuiet = native->quiet;
+    native->quiet = true;
+    gtk_tree_view_set_model(GTK_TREE_VIEW(view), GTK_TREE_MODEL(GetListStore(view)));
+    native->quiet = wasQuiet;
+}
+
+bool IsListStoreAttached(GtkWidget* view) {
+    return gtk_tree_view_get_model(GTK_TREE_VIEW(view)) != nullptr;
+}
+
+void ShowListCheckBoxes(GtkWidget* view, bool show) {
+    auto* check = static_cast<GObject*>(g_object_get_data(G_OBJECT(view), checkRendererKey));
+    if (check != nullptr) {
+        g_object_set(check, "visible", show, nullptr);
+        gtk_widget_queue_draw(view);
+    }
+}
+
+GtkEntry* GetDropDownEntry(GtkWidget* combo) {
+    return GTK_ENTRY(gtk_bin_get_child(GTK_BIN(combo)));
+}
+
+} // namespace quilt

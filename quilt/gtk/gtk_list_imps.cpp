@@ -1,0 +1,742 @@
+#include "quilt/gtk/gtk_list_imps.h"
+
+#include "quilt/dialog_template.h"
+#include "quilt/gtk/gtk_list_controls.h"
+#include "quilt/gtk/gtk_support.h"
+
+#include <algorithm>
+#include <cstring>
+#include <numeric>
+#include <string>
+
+namespace quilt {
+
+namespace {
+
+// A column is fitted to the widest of this many of its longest texts: measuring every row of a
+// long list would take longer than the fill, and the longest texts are the widest ones but for
+// the width of their letters.
+constexpr size_t fittedTexts = 48;
+// Room beside a cell's text: the renderer's padding and the column's edges.
+constexpr int32_t cellMargin = 12;
+// Room beside a heading: the button's padding and the sort arrow.
+constexpr int32_t headingMargin = 28;
+// A store this small is walked to a row rather than indexed whole.
+constexpr int32_t indexedRows = 64;
+
+void GiveRow(int32_t* out, int32_t row) {
+    if (out != nullptr) {
+        *out = row;
+    }
+}
+
+int32_t CompareFolded(const char* left, const char* right) {
+    for (;; ++left, ++right) {
+        auto foldedLeft = static_cast<unsigned char>(loam::FoldToLower(*left));
+        auto foldedRight = static_cast<unsigned char>(loam::FoldToLower(*right));
+        if (foldedLeft != foldedRight || foldedLeft == 0) {
+            return foldedLeft - foldedRight;
+        }
+    }
+}
+
+std::string ToCss(const Colour& colour) {
+    char text[8];
+    g_snprintf(text, sizeof text, "#%02x%02x%02x", colour.red, colour.green, colour.blue);
+    return text;
+}
+
+int32_t MeasureText(GtkWidget* view, const char* text) {
+    PangoLayout* layout = gtk_widget_create_pango_layout(view, ToDisplayText(text).c_str());
+    int32_t width = 0;
+    pango_layout_get_pixel_size(layout, &width, nullptr);
+    g_object_unref(layout);
+    return width;
+}
+
+// Quiet while the program changes a control itself.
+class QuietChange {
+public:
+    explicit QuietChange(GtkNative* changed) : native(changed) {
+        if (native != nullptr) {
+            wasQuiet = native->quiet;
+            native->quiet = true;
+        }
+    }
+    QuietChange(const QuietChange&) = delete;
+    QuietChange& operator=(const QuietChange&) = delete;
+    ~QuietChange() {
+        if (native != nullptr) {
+            native->quiet = wasQuiet;
+        }
+    }
+
+private:
+    GtkNative* native;
+    bool wasQuiet = false;
+};
+
+} // namespace
+
+Gtk_ListBoxImp::~Gtk_ListBoxImp() {
+    Unbind();
+}
+
+GtkWidget* Gtk_ListBoxImp::GetView() const {
+    GtkNative* native = GetNative();
+    return native != nullptr && GTK_IS_TREE_VIEW(native->inner) ? native->inner : nullptr;
+}
+
+GtkListStore* Gtk_ListBoxImp::GetStore() const {
+    return GetListStore(GetView());
+}
+
+GtkTreeViewColumn* Gtk_ListBoxImp::GetColumn(int32_t column) const {
+    GtkWidget* view = GetView();
+    return view != nullptr && column >= 0 ? gtk_tree_view_get_column(GTK_TREE_VIEW(view), column)
+                                          : nullptr;
+}
+
+void Gtk_ListBoxImp::ForgetRows() {
+    rowIters.clear();
+    lastRow = -1;
+}
+
+bool Gtk_ListBoxImp::GetIter(int32_t row, GtkTreeIter& iter) {
+    int32_t count = GetCount();
+    if (row < 0 || row >= count) {
+        return false;
+    }
+    if (row == lastRow) {
+        iter = lastIter;
+        return true;
+    }
+    auto* model = GTK_TREE_MODEL(GetStore());
+    if (count < indexedRows) {
+        return gtk_tree_model_iter_nth_child(model, &iter, nullptr, row) != FALSE;
+    }
+    if (rowIters.size() != static_cast<size_t>(count)) {
+        rowIters.resize(static_cast<size_t>(count));
+        GtkTreeIter walk;
+        gtk_tree_model_get_iter_first(model, &walk);
+        for (GtkTreeIter& entry : rowIters) {
+            entry = walk;
+            gtk_tree_model_iter_next(model, &walk);
+        }
+    }
+    iter = rowIters[static_cast<size_t>(row)];
+    return true;
+}
+
+void Gtk_ListBoxImp::ShowStore() {
+    GtkWidget* view = GetView();
+    if (view != nullptr && !IsListStoreAttached(view)) {
+        AttachListStore(view);
+    }
+}
+
+void Gtk_ListBoxImp::Clear() {
+    GtkWidget* view = GetView();
+    if (view == nullptr) {
+        return;
+    }
+    // A view that watches its store would hear of every row going, one at a time.
+    bool attached = IsListStoreAttached(view);
+    if (attached) {
+        DetachListStore(view);
+    }
+    gtk_list_store_clear(GetStore());
+    if (attached) {
+        AttachListStore(view);
+    }
+    ForgetRows();
+    if (sortedTexts != nullptr) {
+        g_sequence_free(sortedTexts);
+        sortedTexts = nullptr;
+    }
+}
+
+int32_t Gtk_ListBoxImp::GetCount() {
+    GtkListStore* store = GetStore();
+    return store != nullptr ? gtk_tree_model_iter_n_children(GTK_TREE_MODEL(store), nullptr) : 0;
+}
+
+int32_t Gtk_ListBoxImp::FindSortedPlace(const char* text) {
+    if (sortedTexts == nullptr) {
+        sortedTexts = g_sequence_new(g_free);
+        GtkTreeIter iter;
+        for (int32_t row = 0; GetIter(row, iter); ++row) {
+            gchar* first = nullptr;
+            gtk_tree_model_get(GTK_TREE_MODEL(GetStore()), &iter, ListStoreFirstText, &first, -1);
+            g_sequence_append(sortedTexts, first != nullptr ? first : g_strdup(""));
+        }
+    }
+    auto textAt = [this](int32_t place) {
+        return static_cast<const char*>(
+            g_sequence_get(g_sequence_get_iter_at_pos(sortedTexts, place)));
+    };
+    int32_t low = 0;
+    int32_t high = g_sequence_get_length(sortedTexts);
+    // Rows that come in order go to the end without a search.
+    if (high > 0 && CompareFolded(text, textAt(high - 1)) >= 0) {
+        low = high;
+    }
+    while (low < high) {
+        int32_t middle = low + (high - low) / 2;
+        if (CompareFolded(text, textAt(middle)) >= 0) {
+            low = middle + 1;
+        } else {
+            high = middle;
+        }
+    }
+    g_sequence_insert_before(g_sequence_get_iter_at_pos(sortedTexts, low), g_strdup(text));
+    return low;
+}
+
+bool Gtk_ListBoxImp::Insert(int32_t at, const loam::String& text, int32_t* row, uint32_t data) {
+    GtkListStore* store = GetStore();
+    GtkNative* native = GetNative();
+    if (store == nullptr) {
+        return false;
+    }
+    int32_t count = GetCount();
+    int32_t place = count;
+    if ((native->style & StyleSortAscending) != 0) {
+        place = FindSortedPlace(text.GetCString());
+    } else if (at >= 0 && at < count) {
+        place = at;
+    }
+    ForgetRows();
+    gtk_list_store_insert_with_values(store, &lastIter, place, ListStoreData, data,
+                                      ListStoreFirstText, text.GetCString(), -1);
+    lastRow = place;
+    GiveRow(row, place);
+    return true;
+}
+
+bool Gtk_ListBoxImp::AddItem(const loam::String& text, int32_t* row, uint32_t data) {
+    return Insert(-1, text, row, data);
+}
+
+bool Gtk_ListBoxImp::InsertAfter(int32_t after, const loam::String& text, int32_t* row,
+                                 uint32_t data) {
+    return Insert(after + 1, text, row, data);
+}
+
+bool Gtk_ListBoxImp::InsertBefore(int32_t before, const loam::String& text, int32_t* row,
+                                  uint32_t data) {
+    return Insert(before, text, row, data);
+}
+
+bool Gtk_ListBoxImp::RemoveItem(int32_t row) {
+    GtkTreeIter iter;
+    if (!GetIter(row, iter)) {
+        return false;
+    }
+    gtk_list_store_remove(GetStore(), &iter);
+    ForgetRows();
+    if (sortedTexts != nullptr) {
+        g_sequence_remove(g_sequence_get_iter_at_pos(sortedTexts, row));
+    }
+    return true;
+}
+
+bool Gtk_ListBoxImp::SetItemText(int32_t row, const loam::String& text, int32_t column) {
+    GtkTreeIter iter;
+    if (column < 0 || column >= GetNumberOfColumns() || !GetIter(row, iter)) {
+        return false;
+    }
+    gtk_list_store_set(GetStore(), &iter, ListStoreFirstText + column, text.GetCString(), -1);
+    if (column == 0 && sortedTexts != nullptr) {
+        g_sequence_free(sortedTexts);
+        sortedTexts = nullptr;
+    }
+    return true;
+}
+
+bool Gtk_ListBoxImp::SetItemData(int32_t row, uint32_t data) {
+    GtkTreeIter iter;
+    if (!GetIter(row, iter)) {
+        return false;
+    }
+    gtk_list_store_set(GetStore(), &iter, ListStoreData, data, -1);
+    return true;
+}
+
+// A column the list does not have reads as empty.
+bool Gtk_ListBoxImp::GetItemText(int32_t row, loam::String& text, int32_t column) {
+    GtkTreeIter iter;
+    if (!GetIter(row, iter)) {
+        return false;
+    }
+    text = "";
+    if (column < 0 || column >= GetNumberOfColumns()) {
+        return true;
+    }
+    gchar* cell = nullptr;
+    gtk_tree_model_get(GTK_TREE_MODEL(GetStore()), &iter, ListStoreFirstText + column, &cell, -1);
+    if (cell != nullptr) {
+        text = cell;
+        g_free(cell);
+    }
+    return true;
+}
+
+bool Gtk_ListBoxImp::GetItemData(int32_t row, uint32_t& data) {
+    GtkTreeIter iter;
+    if (!GetIter(row, iter)) {
+        return false;
+    }
+    guint word = 0;
+    gtk_tree_model_get(GTK_TREE_MODEL(GetStore()), &iter, ListStoreData, &word, -1);
+    data = word;
+    return true;
+}
+
+bool Gtk_ListBoxImp::SelectItem(int32_t row) {
+    GtkWidget* view = GetView();
+    GtkTreeIter iter;
+    if (view == nullptr || (row != -1 && !GetIter(row, iter))) {
+        return false;
+    }
+    ShowStore();
+    GtkTreeSelection* selection = gtk_tree_view_get_selection(GTK_TREE_VIEW(view));
+    gtk_tree_selection_unselect_all(selection);
+    if (row == -1) {
+        return true;
+    }
+    gtk_tree_selection_select_iter(selection, &iter);
+    GtkTreePath* path = gtk_tree_path_new_from_indices(row, -1);
+    gtk_tree_view_scroll_to_cell(GTK_TREE_VIEW(view), path, nullptr, FALSE, 0, 0);
+    gtk_tree_path_free(path);
+    return true;
+}
+
+bool Gtk_ListBoxImp::GetSelection(int32_t& row) {
+    int32_t* rows = nullptr;
+    int32_t count = 0;
+    if (!GetSelectionList(rows, count) || count == 0) {
+        FreeSelectionList(rows);
+        return false;
+    }
+    row = rows[0];
+    FreeSelectionList(rows);
+    return true;
+}
+
+int32_t Gtk_ListBoxImp::FindItem(const loam::String& text) {
+    GtkTreeIter iter;
+    for (int32_t row = 0; GetIter(row, iter); ++row) {
+        gchar* first = nullptr;
+        gtk_tree_model_get(GTK_TREE_MODEL(GetStore()), &iter, ListStoreFirstText, &first, -1);
+        bool same = std::strcmp(first != nullptr ? first : "", text.GetCString()) == 0;
+        g_free(first);
+        if (same) {
+            return row;
+        }
+    }
+    return -1;
+}
+
+void Gtk_ListBoxImp::DisableSorting() {
+    if (GtkNative* native = GetNative()) {
+        native->style &= ~uint32_t{StyleSortAscending};
+    }
+    if (sortedTexts != nullptr) {
+        g_sequence_free(sortedTexts);
+        sortedTexts = nullptr;
+    }
+}
+
+// The order is found first, with the rows in place, and then the store moves them at once.
+void Gtk_ListBoxImp::SortRows(const std::function<int32_t(int32_t, int32_t)>& compare) {
+    int32_t count = GetCount();
+    GtkTreeIter iter;
+    if (count < 2 || !GetIter(count - 1, iter)) {
+        return;
+    }
+    std::vector<gint> order(static_cast<size_t>(count));
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_sort(order.begin(), order.end(),
+                     [&compare](gint a, gint b) { return compare(a, b) < 0; });
+    gtk_list_store_reorder(GetStore(), order.data());
+    ForgetRows();
+    if (sortedTexts != nullptr) {
+        g_sequence_free(sortedTexts);
+        sortedTexts = nullptr;
+    }
+}
+
+void Gtk_ListBoxImp::SetNumberOfColumns(int32_t count) {
+    if (GtkWidget* view = GetView()) {
+        SetListColumnCount(view, count);
+        ForgetRows();
+    }
+}
+
+int32_t Gtk_ListBoxImp::GetNumberOfColumns() {
+    GtkWidget* view = GetView();
+    return view != nullptr ? GetListColumnCount(view) : 0;
+}
+
+void Gtk_ListBoxImp::ShowColumnHeaders(bool show) {
+    if (GtkWidget* view = GetView()) {
+        gtk_tree_view_set_headers_visible(GTK_TREE_VIEW(view), show);
+    }
+}
+
+void Gtk_ListBoxImp::SetColumnName(int32_t column, const loam::String& name) {
+    if (GtkTreeViewColumn* entry = GetColumn(column)) {
+        gtk_tree_view_column_set_title(entry, ToDisplayText(name).c_str());
+    }
+}
+
+void Gtk_ListBoxImp::SetColumnWidth(int32_t column, int32_t width) {
+    if (GtkTreeViewColumn* entry = GetColumn(column)) {
+        gtk_tree_view_column_set_fixed_width(entry, std::max(width, 1));
+    }
+}
+
+int32_t Gtk_ListBoxImp::GetColumnWidth(int32_t column) {
+    GtkTreeViewColumn* entry = GetColumn(column);
+    return entry != nullptr ? gtk_tree_view_column_get_fixed_width(entry) : 0;
+}
+
+// The last column is fitted to its contents alone, as it may stretch to the edge anyway.
+void Gtk_ListBoxImp::FitColumn(int32_t column) {
+    GtkTreeViewColumn* entry = GetColumn(column);
+    if (entry == nullptr) {
+        return;
+    }
+    std::vector<std::string> texts;
+    GtkTreeIter iter;
+    for (int32_t row = 0; GetIter(row, iter); ++row) {
+        gchar* cell = nullptr;
+        gtk_tree_model_get(GTK_TREE_MODEL(GetStore()), &iter, ListStoreFirstText + column, &cell,
+                           -1);
+        texts.emplace_back(cell != nullptr ? cell : "");
+        g_free(cell);
+    }
+    auto longerFirst = [](const std::string& a, const std::string& b) {
+        return a.size() > b.size();
+    };
+    size_t measured = std::min(texts.size(), fittedTexts);
+    std::partial_sort(texts.begin(), texts.begin() + static_cast<std::ptrdiff_t>(measured),
+                      texts.end(), longerFirst);
+    int32_t width = 0;
+    for (size_t index = 0; index < measured; ++index) {
+        width = std::max(width, MeasureText(GetView(), texts[index].c_str()) + cellMargin);
+    }
+    if (column + 1 < GetNumberOfColumns()) {
+        const char* heading = gtk_tree_view_column_get_title(entry);
+        width = std::max(width,
+                         MeasureText(GetView(), heading != nullptr ? heading : "") + headingMargin);
+    }
+    SetColumnWidth(column, width);
+}
+
+void Gtk_ListBoxImp::FitColumnsEqually() {
+    int32_t count = GetNumberOfColumns();
+    GtkNative* native = GetNative();
+    if (count == 0 || native == nullptr) {
+        return;
+    }
+    int32_t width = (native->rect.GetWidth() - 1) / count - 1;
+    for (int32_t column = 0; column < count; ++column) {
+        SetColumnWidth(column, width);
+    }
+}
+
+int32_t Gtk_ListBoxImp::GetSelectionCount() {
+    GtkWidget* view = GetView();
+    if (view == nullptr) {
+        return 0;
+    }
+    ShowStore();
+    return gtk_tree_selection_count_selected_rows(gtk_tree_view_get_selection(GTK_TREE_VIEW(view)));
+}
+
+bool Gtk_ListBoxImp::GetSelectionList(int32_t*& rows, int32_t& count) {
+    GtkWidget* view = GetView();
+    rows = nullptr;
+    count = 0;
+    if (view == nullptr) {
+        return false;
+    }
+    ShowStore();
+    GList* paths = gtk_tree_selection_get_selected_rows(
+        gtk_tree_view_get_selection(GTK_TREE_VIEW(view)), nullptr);
+    count = static_cast<int32_t>(g_list_length(paths));
+    rows = new int32_t[static_cast<size_t>(std::max(count, 1))]{};
+    int32_t index = 0;
+    for (GList* item = paths; item != nullptr; item = item->next) {
+        rows[index++] = gtk_tree_path_get_indices(static_cast<GtkTreePath*>(item->data))[0];
+    }
+    g_list_free_full(paths, reinterpret_cast<GDestroyNotify>(gtk_tree_path_free));
+    return true;
+}
+
+void Gtk_ListBoxImp::SetItemColour(int32_t row, const Colour& colour) {
+    GtkTreeIter iter;
+    if (GetIter(row, iter)) {
+        gtk_list_store_set(GetStore(), &iter, ListStoreColour, ToCss(colour).c_str(), -1);
+    }
+}
+
+void Gtk_ListBoxImp::ClearItemColour(int32_t row) {
+    GtkTreeIter iter;
+    if (GetIter(row, iter)) {
+        gtk_list_store_set(GetStore(), &iter, ListStoreColour, nullptr, -1);
+    }
+}
+
+void Gtk_ListBoxImp::EnableCheckBoxes(bool enable) {
+    if (GtkWidget* view = GetView()) {
+        ShowListCheckBoxes(view, enable);
+    }
+}
+
+void Gtk_ListBoxImp::SetItemChecked(int32_t row, bool checked) {
+    GtkTreeIter iter;
+    if (GetIter(row, iter)) {
+        gtk_list_store_set(GetStore(), &iter, ListStoreChecked, checked, -1);
+    }
+}
+
+bool Gtk_ListBoxImp::IsItemChecked(int32_t row) {
+    GtkTreeIter iter;
+    gboolean checked = FALSE;
+    if (GetIter(row, iter)) {
+        gtk_tree_model_get(GTK_TREE_MODEL(GetStore()), &iter, ListStoreChecked, &checked, -1);
+    }
+    return checked != FALSE;
+}
+
+void Gtk_ListBoxImp::LockUpdates() {
+    GtkWidget* view = GetView();
+    if (view != nullptr && lockDepth++ == 0 && IsListStoreAttached(view)) {
+        DetachListStore(view);
+    }
+}
+
+void Gtk_ListBoxImp::UnlockUpdates() {
+    GtkWidget* view = GetView();
+    if (view == nullptr || lockDepth == 0 || --lockDepth > 0) {
+        return;
+    }
+    ShowStore();
+}
+
+bool Gtk_ListBoxImp::Attach(GtkWidget* native) {
+    GtkNative* record = FindNative(native);
+    return record != nullptr && GTK_IS_TREE_VIEW(record->inner) && Gtk_WindowImp::Attach(native);
+}
+
+void Gtk_ListBoxImp::Unbind() {
+    if (lockDepth > 0) {
+        lockDepth = 0;
+        ShowStore();
+    }
+    ForgetRows();
+    if (sortedTexts != nullptr) {
+        g_sequence_free(sortedTexts);
+        sortedTexts = nullptr;
+    }
+    Gtk_WindowImp::Unbind();
+}
+
+GtkComboBox* Gtk_DropDownListImp::GetCombo() const {
+    GtkNative* native = GetNative();
+    return native != nullptr && GTK_IS_COMBO_BOX(native->inner) ? GTK_COMBO_BOX(native->inner)
+                                                                : nullptr;
+}
+
+GtkListStore* Gtk_DropDownListImp::GetStore() const {
+    GtkComboBox* combo = GetCombo();
+    return combo != nullptr ? GTK_LIST_STORE(gtk_combo_box_get_model(combo)) : nullptr;
+}
+
+bool Gtk_DropDownListImp::GetIter(int32_t row, GtkTreeIter& iter) const {
+    GtkListStore* store = GetStore();
+    return store != nullptr && row >= 0 &&
+           gtk_tree_model_iter_nth_child(GTK_TREE_MODEL(store), &iter, nullptr, row) != FALSE;
+}
+
+void Gtk_DropDownListImp::NativeClear() {
+    if (GtkComboBox* combo = GetCombo()) {
+        QuietChange quiet(GetNative());
+        gtk_combo_box_text_remove_all(GTK_COMBO_BOX_TEXT(combo));
+    }
+}
+
+int32_t Gtk_DropDownListImp::NativeGetCount() {
+    GtkListStore* store = GetStore();
+    return store != nullptr ? gtk_tree_model_iter_n_children(GTK_TREE_MODEL(store), nullptr) : 0;
+}
+
+// The data word goes in the row's id, which the combo box keeps beside its text.
+int32_t Gtk_DropDownListImp::NativeInsert(int32_t at, const loam::String& text, uint32_t data) {
+    GtkComboBox* combo = GetCombo();
+    if (combo == nullptr) {
+        return -1;
+    }
+    int32_t count = NativeGetCount();
+    int32_t place = count;
+    if (at >= 0 && at < count) {
+        place = at;
+    } else if (at < 0 && sorted) {
+        loam::String rowText;
+        place = 0;
+        while (place < count && NativeGetItemText(place, rowText) &&
+               CompareFolded(text.GetCString(), rowText.GetCString()) >= 0) {
+            ++place;
+        }
+    }
+    std::string id = std::to_string(data);
+    QuietChange quiet(GetNative());
+    gtk_combo_box_text_insert(GTK_COMBO_BOX_TEXT(combo), place, id.c_str(),
+                              ToDisplayText(text).c_str());
+    return place;
+}
+
+bool Gtk_DropDownListImp::NativeRemove(int32_t row) {
+    GtkComboBox* combo = GetCombo();
+    if (combo == nullptr || row < 0 || row >= NativeGetCount()) {
+        return false;
+    }
+    QuietChange quiet(GetNative());
+    gtk_combo_box_text_remove(GTK_COMBO_BOX_TEXT(combo), row);
+    return true;
+}
+
+bool Gtk_DropDownListImp::NativeSetItemText(int32_t row, const loam::String& text) {
+    GtkTreeIter iter;
+    if (!GetIter(row, iter)) {
+        return false;
+    }
+    gtk_list_store_set(GetStore(), &iter, 0, ToDisplayText(text).c_str(), -1);
+    return true;
+}
+
+bool Gtk_DropDownListImp::NativeSetItemData(int32_t row, uint32_t data) {
+    GtkTreeIter iter;
+    if (!GetIter(row, iter)) {
+        return false;
+    }
+    gtk_list_store_set(GetStore(), &iter, 1, std::to_string(data).c_str(), -1);
+    return true;
+}
+
+bool Gtk_DropDownListImp::NativeGetItemText(int32_t row, loam::String& text) {
+    GtkTreeIter iter;
+    if (!GetIter(row, iter)) {
+        return false;
+    }
+    gchar* value = nullptr;
+    gtk_tree_model_get(GTK_TREE_MODEL(GetStore()), &iter, 0, &value, -1);
+    text = value != nullptr ? value : "";
+    g_free(value);
+    return true;
+}
+
+bool Gtk_DropDownListImp::NativeGetItemData(int32_t row, uint32_t& data) {
+    GtkTreeIter iter;
+    if (!GetIter(row, iter)) {
+        return false;
+    }
+    gchar* value = nullptr;
+    gtk_tree_model_get(GTK_TREE_MODEL(GetStore()), &iter, 1, &value, -1);
+    data = value != nullptr ? static_cast<uint32_t>(g_ascii_strtoull(value, nullptr, 10)) : 0;
+    g_free(value);
+    return true;
+}
+
+// The program's choice of a row tells nobody; the field takes the row's text.
+bool Gtk_DropDownListImp::SelectItem(int32_t row) {
+    GtkComboBox* combo = GetCombo();
+    if (combo == nullptr || row < -1 || row >= NativeGetCount()) {
+        return false;
+    }
+    QuietChange quiet(GetNative());
+    gtk_combo_box_set_active(combo, row);
+    return true;
+}
+
+bool Gtk_DropDownListImp::GetSelection(int32_t& row) {
+    GtkComboBox* combo = GetCombo();
+    int32_t active = combo != nullptr ? gtk_combo_box_get_active(combo) : -1;
+    if (active < 0) {
+        return false;
+    }
+    row = active;
+    return true;
+}
+
+bool Gtk_DropDownListImp::Attach(GtkWidget* native) {
+    GtkNative* record = FindNative(native);
+    if (record == nullptr || !GTK_IS_COMBO_BOX(record->inner) || !Gtk_WindowImp::Attach(native)) {
+        return false;
+    }
+    BindEdit(GetParentWindow(), GTK_WIDGET(GetDropDownEntry(record->inner)), record->id);
+    return true;
+}
+
+void Gtk_BrowseDialogImp::Init(uint32_t chooserFlags, Window* parentWindow) {
+    flags = chooserFlags;
+    parent = parentWindow;
+}
+
+namespace {
+
+struct ChooserState {
+    uint32_t flags;
+    loam::String prefix;
+    loam::FileSpec start;
+    GtkWidget* status;
+};
+
+void ShowChooserStatus(GtkFileChooser* chooser, gpointer data) {
+    auto* state = static_cast<ChooserState*>(data);
+    gchar* selected = gtk_file_chooser_get_filename(chooser);
+    loam::String text = GetBrowseStatusText(state->flags, state->prefix, state->start,
+                                            loam::String(selected != nullptr ? selected : ""),
+                                            loam::String(Gtk_BrowseDialogImp::SystemRoot));
+    g_free(selected);
+    gtk_label_set_text(GTK_LABEL(state->status), ToDisplayText(text).c_str());
+}
+
+} // namespace
+
+// A start path that keeps its leaf names a file in the folder to start from.
+bool Gtk_BrowseDialogImp::Run(const loam::String* caption, const loam::String* statusPrefix,
+                              const loam::FileSpec& startPath, loam::String& chosen) {
+    GtkWidget* owner = Gtk_WindowImp::GetWidgetOf(parent);
+    GtkWindow* ownerWindow =
+        owner != nullptr ? GTK_WINDOW(gtk_widget_get_toplevel(owner)) : nullptr;
+    std::string title = caption != nullptr ? ToDisplayText(*caption) : std::string();
+    GtkWidget* dialog = gtk_file_chooser_dialog_new(
+        title.c_str(), ownerWindow, GTK_FILE_CHOOSER_ACTION_SELECT_FOLDER, "_Cancel",
+        GTK_RESPONSE_CANCEL, "_Select", GTK_RESPONSE_ACCEPT, nullptr);
+    auto* chooser = GTK_FILE_CHOOSER(dialog);
+    gtk_file_chooser_set_local_only(chooser, TRUE);
+    loam::FileSpec folder = startPath;
+    if ((flags & BrowseKeepLeaf) != 0) {
+        startPath.GetParent(folder);
+    }
+    gtk_file_chooser_set_current_folder(chooser, folder.GetPath().GetCString());
+    ChooserState state{flags, statusPrefix != nullptr ? *statusPrefix : loam::String(), startPath,
+                       gtk_label_new(nullptr)};
+    gtk_label_set_xalign(GTK_LABEL(state.status), 0);
+    gtk_label_set_ellipsize(GTK_LABEL(state.status), PANGO_ELLIPSIZE_MIDDLE);
+    gtk_file_chooser_set_extra_widget(chooser, state.status);
+    ShowChooserStatus(chooser, &state);
+    g_signal_connect(chooser, "selection-changed", G_CALLBACK(ShowChooserStatus), &state);
+    bool accepted = gtk_dialog_run(GTK_DIALOG(dialog)) == GTK_RESPONSE_ACCEPT;
+    gchar* folderChosen = accepted ? gtk_file_chooser_get_filename(chooser) : nullptr;
+    chosen = folderChosen != nullptr ? folderChosen : "";
+    g_free(folderChosen);
+    gtk_widget_destroy(dialog);
+    return accepted && !chosen.IsEmpty();
+}
+
+} // namespace quilt

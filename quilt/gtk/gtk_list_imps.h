@@ -1,0 +1,137 @@
+#pragma once
+
+#include "quilt/browse_dialog.h"
+#include "quilt/drop_down_list.h"
+#include "quilt/gtk/gtk_window_imp.h"
+#include "quilt/list_box.h"
+
+#include <gtk/gtk.h>
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+namespace quilt {
+
+// Binds a list view: a tree view over a list store. Rows are read and written through iterators
+// kept at hand, since a fill writes each new row several times and a sort reads rows by the
+// hundred thousand; a store's iterators last as long as their rows. Between LockUpdates and
+// UnlockUpdates the view lets go of its store, so that a fill of many rows costs the store alone.
+class Gtk_ListBoxImp : public ListBoxImp, public Gtk_WindowImp {
+public:
+    using Gtk_WindowImp::Create;
+    ~Gtk_ListBoxImp() override;
+
+    void Clear() override;
+    int32_t GetCount() override;
+    bool AddItem(const loam::String& text, int32_t* row, uint32_t data) override;
+    bool InsertAfter(int32_t after, const loam::String& text, int32_t* row, uint32_t data) override;
+    bool InsertBefore(int32_t before, const loam::String& text, int32_t* row,
+                      uint32_t data) override;
+    bool RemoveItem(int32_t row) override;
+    bool SetItemText(int32_t row, const loam::String& text, int32_t column) override;
+    bool SetItemData(int32_t row, uint32_t data) override;
+    bool GetItemText(int32_t row, loam::String& text, int32_t column) override;
+    bool GetItemData(int32_t row, uint32_t& data) override;
+    bool SelectItem(int32_t row) override;
+    bool GetSelection(int32_t& row) override;
+    int32_t FindItem(const loam::String& text) override;
+    void DisableSorting() override;
+    void SetItemHeight(int32_t) override {}
+    void MeasureItems() override {}
+
+    void SortRows(const std::function<int32_t(int32_t, int32_t)>& compare) override;
+    void SetNumberOfColumns(int32_t count) override;
+    int32_t GetNumberOfColumns() override;
+    void ShowColumnHeaders(bool show) override;
+    void SetColumnName(int32_t column, const loam::String& name) override;
+    void SetColumnWidth(int32_t column, int32_t width) override;
+    int32_t GetColumnWidth(int32_t column) override;
+    void FitColumn(int32_t column) override;
+    void FitColumnsEqually() override;
+    int32_t GetSelectionCount() override;
+    bool GetSelectionList(int32_t*& rows, int32_t& count) override;
+    void FreeSelectionList(int32_t* rows) override { delete[] rows; }
+    void SetItemColour(int32_t row, const Colour& colour) override;
+    void ClearItemColour(int32_t row) override;
+    void EnableCheckBoxes(bool enable) override;
+    void SetItemChecked(int32_t row, bool checked) override;
+    bool IsItemChecked(int32_t row) override;
+
+    void LockUpdates() override;
+    void UnlockUpdates() override;
+    bool Attach(GtkWidget* native) override;
+    void Unbind() override;
+
+private:
+    GtkWidget* GetView() const;
+    GtkListStore* GetStore() const;
+    GtkTreeViewColumn* GetColumn(int32_t column) const;
+    // False when there is no such row.
+    bool GetIter(int32_t row, GtkTreeIter& iter);
+    bool Insert(int32_t at, const loam::String& text, int32_t* row, uint32_t data);
+    int32_t FindSortedPlace(const char* text);
+    // Rows were added, removed or moved: the iterators at hand no longer say which row is which.
+    void ForgetRows();
+    // Selection lives in the view: a view without its store takes it back first.
+    void ShowStore();
+
+    std::vector<GtkTreeIter> rowIters; // every row's, once asked for, until the rows change
+    int32_t lastRow = -1;              // the row that went in last, and its iterator
+    GtkTreeIter lastIter{};
+    // The first texts in row order, while rows go in by their place in the sorted order.
+    GSequence* sortedTexts = nullptr;
+    int32_t lockDepth = 0;
+};
+
+// Binds a drop-down list with an edit field: a GtkComboBoxText whose rows keep their data
+// words beside them.
+class Gtk_DropDownListImp : public DropDownListImp, public Gtk_WindowImp {
+public:
+    using Gtk_WindowImp::Create;
+
+    bool SelectItem(int32_t row) override;
+    bool GetSelection(int32_t& row) override;
+    void EnableSorting() override { sorted = true; }
+    void DisableSorting() override { sorted = false; }
+    void SetItemHeight(int32_t) override {}
+    void MeasureItems() override {}
+
+    bool Attach(GtkWidget* native) override;
+
+protected:
+    void NativeClear() override;
+    int32_t NativeGetCount() override;
+    int32_t NativeInsert(int32_t at, const loam::String& text, uint32_t data) override;
+    bool NativeRemove(int32_t row) override;
+    bool NativeSetItemText(int32_t row, const loam::String& text) override;
+    bool NativeSetItemData(int32_t row, uint32_t data) override;
+    bool NativeGetItemText(int32_t row, loam::String& text) override;
+    bool NativeGetItemData(int32_t row, uint32_t& data) override;
+
+private:
+    GtkComboBox* GetCombo() const;
+    GtkListStore* GetStore() const;
+    bool GetIter(int32_t row, GtkTreeIter& iter) const;
+
+    std::vector<uint32_t> rowData; // the data word of each row, in row order
+    bool sorted = false;
+};
+
+// The folder chooser: a GtkFileChooserDialog that chooses folders only, with the caption and the
+// status line above and below its tree.
+class Gtk_BrowseDialogImp : public BrowseDialogImp {
+public:
+    // The system's own folder, which the status line never previews.
+    static constexpr char SystemRoot[] = "/usr";
+
+    void Init(uint32_t chooserFlags, Window* parentWindow) override;
+    bool Run(const loam::String* caption, const loam::String* statusPrefix,
+             const loam::FileSpec& startPath, loam::String& chosen) override;
+
+private:
+    uint32_t flags = 0;
+    Window* parent = nullptr;
+};
+
+} // namespace quilt
