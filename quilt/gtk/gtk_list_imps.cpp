@@ -102,7 +102,34 @@ void Gtk_ListBoxImp::ForgetRows() {
     lastRow = -1;
 }
 
+void Gtk_ListBoxImp::Flush() {
+    GtkListStore* store = GetStore();
+    if (waiting.place < 0 || store == nullptr) {
+        waiting.place = -1;
+        return;
+    }
+    std::vector<gint> columns{ListStoreData};
+    std::vector<GValue> values(1 + waiting.texts.size(), G_VALUE_INIT);
+    g_value_init(&values[0], G_TYPE_UINT);
+    g_value_set_uint(&values[0], waiting.data);
+    for (size_t column = 0; column < waiting.texts.size(); ++column) {
+        columns.push_back(ListStoreFirstText + static_cast<gint>(column));
+        g_value_init(&values[column + 1], G_TYPE_STRING);
+        g_value_set_static_string(&values[column + 1], waiting.texts[column].GetCString());
+    }
+    ForgetRows();
+    gtk_list_store_insert_with_valuesv(store, &lastIter, waiting.place, columns.data(),
+                                       values.data(), static_cast<gint>(columns.size()));
+    for (GValue& value : values) {
+        g_value_unset(&value);
+    }
+    lastRow = waiting.place;
+    waiting.place = -1;
+    waiting.texts.clear();
+}
+
 bool Gtk_ListBoxImp::GetIter(int32_t row, GtkTreeIter& iter) {
+    Flush();
     int32_t count = GetCount();
     if (row < 0 || row >= count) {
         return false;
@@ -129,6 +156,7 @@ bool Gtk_ListBoxImp::GetIter(int32_t row, GtkTreeIter& iter) {
 }
 
 void Gtk_ListBoxImp::ShowStore() {
+    Flush();
     GtkWidget* view = GetView();
     if (view != nullptr && !IsListStoreAttached(view)) {
         AttachListStore(view);
@@ -140,6 +168,7 @@ void Gtk_ListBoxImp::Clear() {
     if (view == nullptr) {
         return;
     }
+    waiting = WaitingRow{};
     // A view that watches its store would hear of every row going, one at a time.
     bool attached = IsListStoreAttached(view);
     if (attached) {
@@ -158,7 +187,9 @@ void Gtk_ListBoxImp::Clear() {
 
 int32_t Gtk_ListBoxImp::GetCount() {
     GtkListStore* store = GetStore();
-    return store != nullptr ? gtk_tree_model_iter_n_children(GTK_TREE_MODEL(store), nullptr) : 0;
+    int32_t stored =
+        store != nullptr ? gtk_tree_model_iter_n_children(GTK_TREE_MODEL(store), nullptr) : 0;
+    return waiting.place >= 0 ? stored + 1 : stored;
 }
 
 int32_t Gtk_ListBoxImp::FindSortedPlace(const char* text) {
@@ -199,6 +230,7 @@ bool Gtk_ListBoxImp::Insert(int32_t at, const loam::String& text, int32_t* row, 
     if (store == nullptr) {
         return false;
     }
+    Flush();
     int32_t count = GetCount();
     int32_t place = count;
     if ((native->style & StyleSortAscending) != 0) {
@@ -206,10 +238,9 @@ bool Gtk_ListBoxImp::Insert(int32_t at, const loam::String& text, int32_t* row, 
     } else if (at >= 0 && at < count) {
         place = at;
     }
-    ForgetRows();
-    gtk_list_store_insert_with_values(store, &lastIter, place, ListStoreData, data,
-                                      ListStoreFirstText, text.GetCString(), -1);
-    lastRow = place;
+    waiting.place = place;
+    waiting.data = data;
+    waiting.texts.assign(1, text);
     GiveRow(row, place);
     return true;
 }
@@ -242,8 +273,16 @@ bool Gtk_ListBoxImp::RemoveItem(int32_t row) {
 }
 
 bool Gtk_ListBoxImp::SetItemText(int32_t row, const loam::String& text, int32_t column) {
+    if (column < 0 || column >= GetNumberOfColumns()) {
+        return false;
+    }
+    if (IsWaiting(row) && column > 0) {
+        waiting.texts.resize(std::max(waiting.texts.size(), static_cast<size_t>(column) + 1));
+        waiting.texts[static_cast<size_t>(column)] = text;
+        return true;
+    }
     GtkTreeIter iter;
-    if (column < 0 || column >= GetNumberOfColumns() || !GetIter(row, iter)) {
+    if (!GetIter(row, iter)) {
         return false;
     }
     gtk_list_store_set(GetStore(), &iter, ListStoreFirstText + column, text.GetCString(), -1);
@@ -255,6 +294,10 @@ bool Gtk_ListBoxImp::SetItemText(int32_t row, const loam::String& text, int32_t 
 }
 
 bool Gtk_ListBoxImp::SetItemData(int32_t row, uint32_t data) {
+    if (IsWaiting(row)) {
+        waiting.data = data;
+        return true;
+    }
     GtkTreeIter iter;
     if (!GetIter(row, iter)) {
         return false;
@@ -368,6 +411,7 @@ void Gtk_ListBoxImp::SortRows(const std::function<int32_t(int32_t, int32_t)>& co
 }
 
 void Gtk_ListBoxImp::SetNumberOfColumns(int32_t count) {
+    Flush();
     if (GtkWidget* view = GetView()) {
         SetListColumnCount(view, count);
         ForgetRows();
@@ -533,6 +577,7 @@ bool Gtk_ListBoxImp::Attach(GtkWidget* native) {
 }
 
 void Gtk_ListBoxImp::Unbind() {
+    Flush();
     if (lockDepth > 0) {
         lockDepth = 0;
         ShowStore();

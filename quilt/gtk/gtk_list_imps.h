@@ -13,9 +13,10 @@
 
 namespace quilt {
 
-// Binds a list view: a tree view over a list store. Rows are read and written through iterators
-// kept at hand, since a fill writes each new row several times and a sort reads rows by the
-// hundred thousand; a store's iterators last as long as their rows. Between LockUpdates and
+// Binds a list view: a tree view over a list store. A new row waits here while the program
+// writes its cells, and goes into the store whole with the next operation: a fill writes each
+// row several times. Rows are read through iterators kept at hand, since a sort reads rows by
+// the hundred thousand; a store's iterators last as long as their rows. Between LockUpdates and
 // UnlockUpdates the view lets go of its store, so that a fill of many rows costs the store alone.
 class Gtk_ListBoxImp : public ListBoxImp, public Gtk_WindowImp {
 public:
@@ -70,12 +71,21 @@ private:
     // False when there is no such row.
     bool GetIter(int32_t row, GtkTreeIter& iter);
     bool Insert(int32_t at, const loam::String& text, int32_t* row, uint32_t data);
+    // The waiting row goes into the store.
+    void Flush();
+    bool IsWaiting(int32_t row) const { return waiting.place >= 0 && row == waiting.place; }
     int32_t FindSortedPlace(const char* text);
     // Rows were added, removed or moved: the iterators at hand no longer say which row is which.
     void ForgetRows();
     // Selection lives in the view: a view without its store takes it back first.
     void ShowStore();
 
+    struct WaitingRow {
+        int32_t place = -1; // none while negative
+        uint32_t data = 0;
+        std::vector<loam::String> texts;
+    };
+    WaitingRow waiting;
     std::vector<GtkTreeIter> rowIters; // every row's, once asked for, until the rows change
     int32_t lastRow = -1;              // the row that went in last, and its iterator
     GtkTreeIter lastIter{};
