@@ -65,13 +65,6 @@ GtkTreeViewColumn* NewViewColumn(GtkWidget* view, int32_t index, const char* tit
     gtk_tree_view_column_set_resizable(column, TRUE);
     gtk_tree_view_column_set_clickable(column, TRUE);
     g_object_set_data(G_OBJECT(column), columnKey, GINT_TO_POINTER(index));
-    if (index == 0) {
-        GtkCellRenderer* check = gtk_cell_renderer_toggle_new();
-        g_object_set(check, "visible", FALSE, nullptr);
-        gtk_tree_view_column_pack_start(column, check, FALSE);
-        gtk_tree_view_column_add_attribute(column, check, "active", ListStoreChecked);
-        g_object_set_data(G_OBJECT(view), checkRendererKey, check);
-    }
     GtkCellRenderer* text = gtk_cell_renderer_text_new();
     g_object_set(text, "ellipsize", PANGO_ELLIPSIZE_END, nullptr);
     gtk_tree_view_column_pack_start(column, text, TRUE);
@@ -228,8 +221,19 @@ bool IsListStoreAttached(GtkWidget* view) {
     return gtk_tree_view_get_model(GTK_TREE_VIEW(view)) != nullptr;
 }
 
+// The check box joins the first column only when asked for, so that a list without them reads
+// as plain text cells to the accessibility layer.
 void ShowListCheckBoxes(GtkWidget* view, bool show) {
-    auto* check = static_cast<GObject*>(g_object_get_data(G_OBJECT(view), checkRendererKey));
+    auto* check =
+        static_cast<GtkCellRenderer*>(g_object_get_data(G_OBJECT(view), checkRendererKey));
+    GtkTreeViewColumn* first = gtk_tree_view_get_column(GTK_TREE_VIEW(view), 0);
+    if (check == nullptr && show && first != nullptr) {
+        check = gtk_cell_renderer_toggle_new();
+        gtk_tree_view_column_pack_start(first, check, FALSE);
+        gtk_cell_layout_reorder(GTK_CELL_LAYOUT(first), check, 0);
+        gtk_tree_view_column_add_attribute(first, check, "active", ListStoreChecked);
+        g_object_set_data(G_OBJECT(view), checkRendererKey, check);
+    }
     if (check != nullptr) {
         g_object_set(check, "visible", show, nullptr);
         gtk_widget_queue_draw(view);

@@ -40,6 +40,16 @@ int32_t CompareFolded(const char* left, const char* right) {
     }
 }
 
+// Orders a text of the list against a new one, `newText`, which goes behind every text that is
+// equal to it without regard to case: the two are never equal.
+gint CompareWithNewText(gconstpointer a, gconstpointer b, gpointer newText) {
+    if (b == newText) {
+        return CompareFolded(static_cast<const char*>(a), static_cast<const char*>(b)) <= 0 ? -1
+                                                                                            : 1;
+    }
+    return CompareFolded(static_cast<const char*>(a), static_cast<const char*>(b)) < 0 ? -1 : 1;
+}
+
 std::string ToCss(const Colour& colour) {
     char text[8];
     g_snprintf(text, sizeof text, "#%02x%02x%02x", colour.red, colour.green, colour.blue);
@@ -202,26 +212,11 @@ int32_t Gtk_ListBoxImp::FindSortedPlace(const char* text) {
             g_sequence_append(sortedTexts, first != nullptr ? first : g_strdup(""));
         }
     }
-    auto textAt = [this](int32_t place) {
-        return static_cast<const char*>(
-            g_sequence_get(g_sequence_get_iter_at_pos(sortedTexts, place)));
-    };
-    int32_t low = 0;
-    int32_t high = g_sequence_get_length(sortedTexts);
-    // Rows that come in order go to the end without a search.
-    if (high > 0 && CompareFolded(text, textAt(high - 1)) >= 0) {
-        low = high;
-    }
-    while (low < high) {
-        int32_t middle = low + (high - low) / 2;
-        if (CompareFolded(text, textAt(middle)) >= 0) {
-            low = middle + 1;
-        } else {
-            high = middle;
-        }
-    }
-    g_sequence_insert_before(g_sequence_get_iter_at_pos(sortedTexts, low), g_strdup(text));
-    return low;
+    GSequenceIter* place = g_sequence_search(sortedTexts, const_cast<char*>(text),
+                                             CompareWithNewText, const_cast<char*>(text));
+    int32_t position = g_sequence_iter_get_position(place);
+    g_sequence_insert_before(place, g_strdup(text));
+    return position;
 }
 
 bool Gtk_ListBoxImp::Insert(int32_t at, const loam::String& text, int32_t* row, uint32_t data) {
