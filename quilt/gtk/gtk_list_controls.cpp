@@ -115,10 +115,33 @@ void OnComboChanged(GtkComboBox* combo, gpointer) {
     Notify(widget, ControlEvent::SelectionEnded);
 }
 
+// The list may fill its rows anew as it opens: it hears of the opening before GTK sizes the
+// popup, from the key that opens it or from a press on its arrow.
 void OnPopupShown(GObject* combo, GParamSpec*, gpointer) {
     gboolean shown = FALSE;
     g_object_get(combo, "popup-shown", &shown, nullptr);
-    Notify(GTK_WIDGET(combo), shown ? ControlEvent::ListOpened : ControlEvent::ListClosed);
+    if (!shown) {
+        Notify(GTK_WIDGET(combo), ControlEvent::ListClosed);
+    }
+}
+
+void OnPopupKey(GtkComboBox* combo, gpointer) {
+    Notify(GTK_WIDGET(combo), ControlEvent::ListOpened);
+}
+
+gboolean OnArrowPress(GtkWidget*, GdkEventButton* event, gpointer combo) {
+    gboolean shown = FALSE;
+    g_object_get(combo, "popup-shown", &shown, nullptr);
+    if (event->button == 1 && !shown) {
+        Notify(GTK_WIDGET(combo), ControlEvent::ListOpened);
+    }
+    return FALSE;
+}
+
+void ConnectArrow(GtkWidget* child, gpointer combo) {
+    if (GTK_IS_TOGGLE_BUTTON(child)) {
+        g_signal_connect(child, "button-press-event", G_CALLBACK(OnArrowPress), combo);
+    }
 }
 
 } // namespace
@@ -161,6 +184,8 @@ GtkWidget* MakeDropDownList(GtkNative& native, uint32_t, const char* text) {
     g_signal_connect(entry, "changed", G_CALLBACK(OnEntryChanged), combo);
     g_signal_connect(combo, "changed", G_CALLBACK(OnComboChanged), nullptr);
     g_signal_connect(combo, "notify::popup-shown", G_CALLBACK(OnPopupShown), nullptr);
+    g_signal_connect(combo, "popup", G_CALLBACK(OnPopupKey), nullptr);
+    gtk_container_forall(GTK_CONTAINER(combo), ConnectArrow, combo);
     native.inner = combo;
     return combo;
 }

@@ -88,6 +88,16 @@ def test(session):
     session.click(session.control(question[0], Atspi.Role.PUSH_BUTTON, "No"))
     wait_for("the question to go", lambda: len(session.application_windows()) == 1)
 
+    # The pattern box keeps the patterns searched for, newest first.
+    session.click(session.control(window, Atspi.Role.TEXT))
+    session.keys("alt+Down")
+    history = wait_for("the pattern history", lambda: [
+        node.get_name() for node in session.controls(window, Atspi.Role.MENU_ITEM)
+        if session.showing(node)])
+    check(history[:2] == ["file*", "file0001*"], "the history, newest first: %s" % history)
+    session.screenshot("history", window)
+    session.keys("Escape")
+
     session.focus(window)
     session.keys("Escape")
     check(session.wait_exit() == 0, "Escape closes the window and ends the program")
