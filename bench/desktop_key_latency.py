@@ -40,10 +40,11 @@ def main():
             was = focused(quit_button)
             start = time.monotonic()
             session.xdotool("key", "Tab")
-            if session.process.poll() is not None:
+            ended = lambda: session.process.poll() is not None  # noqa: E731
+            wait_for("the focus to move", lambda: ended() or focused(quit_button) != was, 5)
+            if ended():
                 print("the build ended before press %d; give a bigger tree" % (len(times) + 1))
                 break
-            wait_for("the focus to move", lambda: focused(quit_button) != was, 5)
             times.append((time.monotonic() - start) * 1000)
             walking = text_of(folder_line)
         print("files in the tree: %d, still walking at the end: %s" % (files, walking))
