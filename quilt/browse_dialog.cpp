@@ -33,18 +33,18 @@ BrowseDialog::BrowseDialog(uint32_t chooserFlags, Window* parentWindow)
 BrowseDialog::~BrowseDialog() = default;
 
 bool BrowseDialog::Run(const loam::String* caption, const loam::String* statusPrefix,
-                       loam::FileSpec& spec) {
+                       loam::FileSpec& location) {
     loam::String chosen;
-    if (!imp->Run(caption, statusPrefix, spec, chosen) || chosen.IsEmpty()) {
+    if (!imp->Run(caption, statusPrefix, location, chosen) || chosen.IsEmpty()) {
         return false;
     }
     loam::FileSpec result(chosen);
     if ((flags & BrowseKeepLeaf) != 0) {
         loam::String leaf;
-        spec.GetLeafName(leaf);
+        location.GetLeafName(leaf);
         result.Append(leaf);
     }
-    spec = result;
+    location = result;
     return true;
 }
 

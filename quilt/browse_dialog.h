@@ -48,8 +48,9 @@ public:
     BrowseDialog& operator=(const BrowseDialog&) = delete;
     ~BrowseDialog();
 
-    // Blocks in the chooser; true when the user chose a folder, which `spec` then holds.
-    bool Run(const loam::String* caption, const loam::String* statusPrefix, loam::FileSpec& spec);
+    // Blocks in the chooser; true when the user chose a folder, which `location` then holds.
+    bool Run(const loam::String* caption, const loam::String* statusPrefix,
+             loam::FileSpec& location);
 
 private:
     std::unique_ptr<BrowseDialogImp> imp;

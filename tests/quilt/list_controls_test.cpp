@@ -359,19 +359,19 @@ TEST_F(ListControlsTest, TheFolderChooserPreviewsAndKeepsTheLeaf) {
             status = shown.GetStatusText().GetCString();
             return loam::String(c.selected);
         });
-        loam::FileSpec spec = start;
+        loam::FileSpec location = start;
         const loam::String prefix("Go: ");
-        ASSERT_TRUE(chooser.Run(nullptr, &prefix, spec));
+        ASSERT_TRUE(chooser.Run(nullptr, &prefix, location));
         EXPECT_EQ(status, c.status);
-        EXPECT_EQ(spec.GetPath(), c.result);
+        EXPECT_EQ(location.GetPath(), c.result);
     }
     // A cancel, and a run that nobody answers, keep the path.
     quilt::BrowseDialog chooser(quilt::BrowsePreview, nullptr);
     driver.OnNextFolderChoice([](quilt::Offscreen_BrowseDialogImp&) { return std::nullopt; });
-    loam::FileSpec spec = start;
-    EXPECT_FALSE(chooser.Run(nullptr, nullptr, spec));
-    EXPECT_FALSE(chooser.Run(nullptr, nullptr, spec));
-    EXPECT_EQ(spec.GetPath(), start.GetPath());
+    loam::FileSpec location = start;
+    EXPECT_FALSE(chooser.Run(nullptr, nullptr, location));
+    EXPECT_FALSE(chooser.Run(nullptr, nullptr, location));
+    EXPECT_EQ(location.GetPath(), start.GetPath());
 }
 
 } // namespace
