@@ -74,6 +74,20 @@ bool WindowImp::CreateChildControl(Window& control, const ChildControl& childSpe
     return CreateNativeChild(control, childSpec, id);
 }
 
+bool WindowImp::CreateControlOfKind(Window& control, Window* parent, ControlKind kind,
+                                    uint32_t style, const Rect& rect, int32_t id) {
+    if (parent == nullptr) {
+        return false;
+    }
+    ChildControl childSpec;
+    childSpec.kind = kind;
+    childSpec.style = style;
+    childSpec.rect = rect;
+    childSpec.id = id;
+    childSpec.tabStop = (style & StyleTabStop) != 0;
+    return parent->GetImp()->CreateChildControl(control, childSpec);
+}
+
 void WindowImp::NotifyNativeDestroyed() {
     Timer::ForgetWindow(owner);
     if (Application::GetMainWindow() == owner) {

@@ -226,6 +226,10 @@ public:
     bool ConstrainSize(Size& size);
     // Makes a control as a child of this window's native window.
     bool CreateChildControl(Window& control, const ChildControl& childSpec);
+    // Makes a control of `kind` by code, as a child of `parent`: what every backend's control
+    // Imps do in their Create.
+    static bool CreateControlOfKind(Window& control, Window* parent, ControlKind kind,
+                                    uint32_t style, const Rect& rect, int32_t id);
 
 protected:
     virtual bool CreateNativeChild(Window& control, const ChildControl& childSpec, int32_t id) = 0;

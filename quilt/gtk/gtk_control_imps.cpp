@@ -37,20 +37,6 @@ bool IsProgressBarWidget(GtkWidget* widget) {
     return inner != nullptr && GTK_IS_PROGRESS_BAR(inner);
 }
 
-bool CreateControl(Window& control, Window* parent, ControlKind kind, uint32_t style,
-                   const Rect& rect, int32_t id) {
-    if (parent == nullptr) {
-        return false;
-    }
-    ChildControl childSpec;
-    childSpec.kind = kind;
-    childSpec.style = style;
-    childSpec.rect = rect;
-    childSpec.id = id;
-    childSpec.tabStop = (style & StyleTabStop) != 0;
-    return parent->GetImp()->CreateChildControl(control, childSpec);
-}
-
 std::string ToCss(const Colour& colour) {
     char text[8];
     g_snprintf(text, sizeof text, "#%02x%02x%02x", colour.red, colour.green, colour.blue);
@@ -60,7 +46,8 @@ std::string ToCss(const Colour& colour) {
 } // namespace
 
 bool Gtk_ButtonImp::Create(Window* parent, const Rect& rect, int32_t id) {
-    return CreateControl(*GetOwner(), parent, ControlKind::PushButton, StyleTabStop, rect, id);
+    return CreateControlOfKind(*GetOwner(), parent, ControlKind::PushButton, StyleTabStop, rect,
+                               id);
 }
 
 bool Gtk_ButtonImp::IsPushed() {
@@ -84,7 +71,7 @@ void Gtk_CheckBoxImp::SetState(int32_t state) {
 }
 
 bool Gtk_CheckBoxImp::Create(Window* parent, const Rect& rect, int32_t id) {
-    return CreateControl(*GetOwner(), parent, ControlKind::CheckBox, StyleCheckBox, rect, id);
+    return CreateControlOfKind(*GetOwner(), parent, ControlKind::CheckBox, StyleCheckBox, rect, id);
 }
 
 bool Gtk_CheckBoxImp::Attach(GtkWidget* native) {
@@ -97,8 +84,8 @@ GtkWidget* Gtk_EditBoxImp::GetInner() const {
 }
 
 bool Gtk_EditBoxImp::Create(Window* parent, const Rect& rect) {
-    return CreateControl(*GetOwner(), parent, ControlKind::Edit, StyleBorder | StyleTabStop, rect,
-                         -1);
+    return CreateControlOfKind(*GetOwner(), parent, ControlKind::Edit, StyleBorder | StyleTabStop,
+                               rect, -1);
 }
 
 void Gtk_EditBoxImp::AppendText(const loam::String& text) {
@@ -262,8 +249,8 @@ GtkRange* Gtk_SliderImp::GetRange() const {
 }
 
 bool Gtk_SliderImp::Create(Window* parent, const Rect& rect) {
-    return CreateControl(*GetOwner(), parent, ControlKind::TrackBar, StyleBorder | StyleTabStop,
-                         rect, -1);
+    return CreateControlOfKind(*GetOwner(), parent, ControlKind::TrackBar,
+                               StyleBorder | StyleTabStop, rect, -1);
 }
 
 void Gtk_SliderImp::SetRange(int32_t minimum, int32_t maximum) {
@@ -311,7 +298,8 @@ void Gtk_ProgressBarImp::SetPos(int32_t value) {
 }
 
 bool Gtk_ProgressBarImp::Create(Window* parent, const Rect& rect, int32_t id) {
-    return CreateControl(*GetOwner(), parent, ControlKind::ProgressBar, StyleBorder, rect, id);
+    return CreateControlOfKind(*GetOwner(), parent, ControlKind::ProgressBar, StyleBorder, rect,
+                               id);
 }
 
 bool Gtk_ProgressBarImp::Attach(GtkWidget* native) {

@@ -13,24 +13,11 @@ template <class Native> bool IsOf(const OffscreenWindow* window) {
     return dynamic_cast<const Native*>(window) != nullptr;
 }
 
-bool CreateControl(Window& control, Window* parent, ControlKind kind, uint32_t style,
-                   const Rect& rect, int32_t id) {
-    if (parent == nullptr) {
-        return false;
-    }
-    ChildControl childSpec;
-    childSpec.kind = kind;
-    childSpec.style = style;
-    childSpec.rect = rect;
-    childSpec.id = id;
-    childSpec.tabStop = (style & StyleTabStop) != 0;
-    return parent->GetImp()->CreateChildControl(control, childSpec);
-}
-
 } // namespace
 
 bool Offscreen_ButtonImp::Create(Window* parent, const Rect& rect, int32_t id) {
-    return CreateControl(*GetOwner(), parent, ControlKind::PushButton, StyleTabStop, rect, id);
+    return CreateControlOfKind(*GetOwner(), parent, ControlKind::PushButton, StyleTabStop, rect,
+                               id);
 }
 
 bool Offscreen_ButtonImp::IsPushed() {
@@ -59,7 +46,7 @@ void Offscreen_CheckBoxImp::SetState(int32_t state) {
 }
 
 bool Offscreen_CheckBoxImp::Create(Window* parent, const Rect& rect, int32_t id) {
-    return CreateControl(*GetOwner(), parent, ControlKind::CheckBox, StyleCheckBox, rect, id);
+    return CreateControlOfKind(*GetOwner(), parent, ControlKind::CheckBox, StyleCheckBox, rect, id);
 }
 
 bool Offscreen_CheckBoxImp::Attach(OffscreenWindow* window) {
@@ -71,8 +58,8 @@ OffscreenEdit* Offscreen_EditBoxImp::GetEdit() const {
 }
 
 bool Offscreen_EditBoxImp::Create(Window* parent, const Rect& rect) {
-    return CreateControl(*GetOwner(), parent, ControlKind::Edit, StyleBorder | StyleTabStop, rect,
-                         -1);
+    return CreateControlOfKind(*GetOwner(), parent, ControlKind::Edit, StyleBorder | StyleTabStop,
+                               rect, -1);
 }
 
 void Offscreen_EditBoxImp::AppendText(const loam::String& text) {
@@ -188,8 +175,8 @@ OffscreenTrackBar* Offscreen_SliderImp::GetTrackBar() const {
 }
 
 bool Offscreen_SliderImp::Create(Window* parent, const Rect& rect) {
-    return CreateControl(*GetOwner(), parent, ControlKind::TrackBar, StyleBorder | StyleTabStop,
-                         rect, -1);
+    return CreateControlOfKind(*GetOwner(), parent, ControlKind::TrackBar,
+                               StyleBorder | StyleTabStop, rect, -1);
 }
 
 void Offscreen_SliderImp::SetRange(int32_t minimum, int32_t maximum) {
@@ -234,8 +221,8 @@ void Offscreen_ProgressBarImp::SetPos(int32_t value) {
 }
 
 bool Offscreen_ProgressBarImp::Create(Window* parent, const Rect& rect, int32_t id) {
-    return CreateControl(*GetOwner(), parent, ControlKind::ProgressBar, StyleBorder | StyleTabStop,
-                         rect, id);
+    return CreateControlOfKind(*GetOwner(), parent, ControlKind::ProgressBar,
+                               StyleBorder | StyleTabStop, rect, id);
 }
 
 bool Offscreen_ProgressBarImp::Attach(OffscreenWindow* window) {
