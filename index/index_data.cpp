@@ -31,10 +31,11 @@ constexpr uint32_t MaxRecordSize = sizeof(IndexRecord) + UINT8_MAX;
 
 // A scan's records: a window is tabled at a time, so that the table stays in the nearer caches
 // while the search goes over it, out of a piece of the file of some windows' length. The piece's
-// buffer is used again and again: fresh memory, on this system's first touch of each page, costs
-// more than the search.
-constexpr int32_t WindowRecords = 8192;
-constexpr uint32_t ChunkBytes = 1 << 20;
+// buffer is small and used again and again: fresh memory, on this system's first touch of each
+// page, costs more than the search, and a small piece is still in the nearer caches when the
+// pass reaches what was read into it.
+constexpr int32_t WindowRecords = 4096;
+constexpr uint32_t ChunkBytes = 1 << 18;
 // A piece is topped up once less than this is left of it, so that a window seldom ends early.
 constexpr uint32_t RefillBelow = ChunkBytes / 2;
 // One record in so many is a landmark, from which any record is found again by steps forward.
@@ -64,8 +65,8 @@ bool HasMoreBytes(loam::File& file) {
 // record's place, so nothing else it does may branch or wait on that chain.
 struct RecordTally {
     const IndexRecord** slot;
-    // Where the next folder's record goes, when the folders are noted.
-    const IndexRecord** folderSlot;
+    // Where the next folder's ordinal goes, when the folders are noted.
+    int32_t* folderSlot;
     const char* cursor;
     int32_t ordinal;
     uint32_t files;
@@ -88,7 +89,7 @@ struct RecordTally {
         files += static_cast<uint32_t>(fileMask & 1);
         const bool isFolder = record->kind == IndexKindFolder;
         if constexpr (notesFolders) {
-            *folderSlot = record;
+            *folderSlot = ordinal;
             folderSlot += isFolder;
         }
         folders += isFolder;
@@ -122,9 +123,10 @@ struct IndexData::ScanState {
     // Copies of records, in blocks that never move.
     std::vector<std::unique_ptr<char[]>> blocks;
     size_t blockUsed = CopyBlockBytes;
-    // The folders of the window, as the pass notes them.
-    std::unique_ptr<const IndexRecord*[]> windowFolders =
-        std::make_unique<const IndexRecord*[]>(WindowRecords + 1);
+    // Whether the matches and their folders are kept, and the ordinals of the window's folders,
+    // as the pass notes them.
+    bool keepsMatches = true;
+    std::unique_ptr<int32_t[]> windowFolders;
     int32_t windowFolderCount = 0;
     // The folders passed so far, by ordinal, and the offsets of the landmarks.
     std::vector<uint32_t> folderOrdinals;
@@ -215,7 +217,7 @@ bool IndexData::TakeImage(const char* bytes, uint32_t imageSize) {
 
 // The same checks as Load, in the same order, with the whole read put off: the size is checked
 // for more bytes at once, and the first piece is read.
-bool IndexData::Scan(loam::FileSpec indexFile) {
+bool IndexData::Scan(loam::FileSpec indexFile, ScanMatches matches) {
     Release();
     if (indexFile.GetKind() != loam::FileKindFile)
         return Fail(loam::ErrorGeneral, notFoundText);
@@ -234,19 +236,22 @@ bool IndexData::Scan(loam::FileSpec indexFile) {
         Release();
         return Fail(loam::ErrorGeneral, cannotLoadText);
     }
-    return StartScan();
+    return StartScan(matches);
 }
 
-bool IndexData::ScanImage(LargeArray<char> bytes, uint32_t imageSize) {
+bool IndexData::ScanImage(LargeArray<char> bytes, uint32_t imageSize, ScanMatches matches) {
     Release();
     scan = std::make_unique<ScanState>();
     scan->image = std::move(bytes);
     scan->size = scan->image ? imageSize : 0;
-    return StartScan();
+    return StartScan(matches);
 }
 
-bool IndexData::StartScan() {
-    scan->chunk = std::make_unique<char[]>(ChunkBytes);
+bool IndexData::StartScan(ScanMatches matches) {
+    scan->chunk = std::make_unique_for_overwrite<char[]>(ChunkBytes);
+    scan->keepsMatches = matches == ScanMatches::Kept;
+    if (scan->keepsMatches)
+        scan->windowFolders = std::make_unique_for_overwrite<int32_t[]>(WindowRecords + 1);
     if (FillChunk() && CheckHeader(scan->chunk.get(), scan->size) &&
         BuildTables(scan->size - sizeof(IndexFileHeader)))
         return true;
@@ -315,17 +320,21 @@ bool IndexData::BuildTables(uint32_t bytes) {
     if (count < 0 || static_cast<uint32_t>(count) > bytes / MinRecordSize)
         return Fail(loam::ErrorGeneral, notUnderstoodText);
     const int32_t tableSize = scan ? std::min(count, WindowRecords) : count;
+    const bool keepsMatches = !scan || scan->keepsMatches;
     records = AllocateLargeArray<const IndexRecord*>(tableSize);
-    results = AllocateLargeArray<const IndexRecord*>(count);
-    if (!records || !results)
+    if (keepsMatches)
+        results = AllocateLargeArray<const IndexRecord*>(count);
+    if (!records || (keepsMatches && !results))
         return Fail(loam::ErrorGeneral, notUnderstoodText);
     resultCount = 0;
     if (!scan) {
         nextRecord = image + sizeof(IndexFileHeader);
         return TakeRecords(count, true);
     }
-    scan->folderOrdinals.reserve(static_cast<size_t>(count));
-    scan->folderCopies.reserve(static_cast<size_t>(count));
+    if (keepsMatches) {
+        scan->folderOrdinals.reserve(static_cast<size_t>(count));
+        scan->folderCopies.reserve(static_cast<size_t>(count));
+    }
     if (!TakeRecords(tableSize, scan->chunkBytes == scan->size))
         return false;
     KeepWindow();
@@ -355,7 +364,8 @@ bool IndexData::TakeNextWindow() {
 // that reaches past the end of the buffer is damage at the end of the file, and otherwise ends
 // the table early.
 bool IndexData::TakeRecords(int32_t count, bool endIsFileEnd) {
-    return scan ? TakeRecords<true>(count, endIsFileEnd) : TakeRecords<false>(count, endIsFileEnd);
+    return scan && scan->keepsMatches ? TakeRecords<true>(count, endIsFileEnd)
+                                      : TakeRecords<false>(count, endIsFileEnd);
 }
 
 template <bool notesFolders> bool IndexData::TakeRecords(int32_t count, bool endIsFileEnd) {
@@ -397,22 +407,22 @@ template <bool notesFolders> bool IndexData::TakeRecords(int32_t count, bool end
     return true;
 }
 
-// Copies the window's folders and notes its landmarks before the buffer is used again.
+// Copies the window's folders and notes its landmarks before the buffer is used again. A counted
+// scan keeps nothing.
 void IndexData::KeepWindow() {
     ScanState& kept = *scan;
+    if (!kept.keepsMatches)
+        return;
     const int32_t end = windowFirst + tableCount;
     for (int32_t ordinal = (windowFirst + LandmarkSpacing - 1) / LandmarkSpacing * LandmarkSpacing;
          ordinal < end; ordinal += LandmarkSpacing) {
         const auto* at = reinterpret_cast<const char*>(records[ordinal - windowFirst]);
         kept.landmarks.push_back(kept.chunkOffset + static_cast<uint32_t>(at - image));
     }
-    const IndexRecord* const* first = records.get();
-    for (int32_t i = 0, slot = 0; slot < kept.windowFolderCount; ++i) {
-        if (first[i] != kept.windowFolders[slot])
-            continue;
-        kept.folderOrdinals.push_back(static_cast<uint32_t>(windowFirst + i));
-        kept.folderCopies.push_back(kept.Keep(first[i]));
-        ++slot;
+    for (int32_t slot = 0; slot < kept.windowFolderCount; ++slot) {
+        const int32_t ordinal = kept.windowFolders[slot];
+        kept.folderOrdinals.push_back(static_cast<uint32_t>(ordinal));
+        kept.folderCopies.push_back(kept.Keep(records[ordinal - windowFirst]));
     }
 }
 

@@ -20,6 +20,10 @@ class Window;
 // its place and never writes into one it did not make.
 enum class IndexSource { Read, View };
 
+// What a scan keeps of its matches: the records and the folders above them, which outlive their
+// window so that their paths can be told, or only their number.
+enum class ScanMatches { Kept, Counted };
+
 // A loaded index file: the file's bytes in one buffer, a table of pointers to its records, and
 // the result table of the last search. Paths are rebuilt on demand from the parent ordinals.
 class IndexData {
@@ -38,8 +42,9 @@ public:
     // record table holds a window of its records. Neither the whole image nor a table over every
     // record is made, which cost such a reader more than its search; what outlives a window,
     // its results and its folders, is copied. Fails as Load fails, and takes the first window.
-    bool Scan(loam::FileSpec indexFile);
-    bool ScanImage(LargeArray<char> image, uint32_t imageSize);
+    bool Scan(loam::FileSpec indexFile, ScanMatches matches = ScanMatches::Kept);
+    bool ScanImage(LargeArray<char> image, uint32_t imageSize,
+                   ScanMatches matches = ScanMatches::Kept);
     // Moves the table of a scan on to the records after its window: empty once the window has
     // passed the last record. A damaged record fails with the words of Load, and releases all.
     bool TakeNextWindow();
@@ -62,8 +67,11 @@ public:
     uint64_t GetTotalSize() const { return totalSize; }
 
     void ClearResults() { resultCount = 0; }
+    // A counted scan has no result table.
     void AddResult(const IndexRecord* record) {
-        results[resultCount++] = scan ? KeepCopy(record) : record;
+        if (results)
+            results[resultCount] = scan ? KeepCopy(record) : record;
+        ++resultCount;
     }
     int32_t GetResultCount() const { return resultCount; }
     const IndexRecord* GetResult(int32_t index) const { return results[index]; }
@@ -88,7 +96,7 @@ private:
     struct ScanState;
 
     bool TakeImage(const char* bytes, uint32_t imageSize);
-    bool StartScan();
+    bool StartScan(ScanMatches matches);
     bool CheckHeader(const char* bytes, uint32_t imageSize);
     bool BuildTables(uint32_t bytes);
     bool TakeRecords(int32_t count, bool endIsFileEnd);

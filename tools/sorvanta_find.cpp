@@ -247,7 +247,8 @@ void WritePaths(Output& output, const IndexData& index, int32_t count, char term
 // has been checked: a file refused at its end shows the refusal alone, as the loader would.
 int RunSearch(const Request& request) {
     IndexData index;
-    if (!index.Scan(GetIndexFile(request)))
+    const ScanMatches matches = request.countOnly ? ScanMatches::Counted : ScanMatches::Kept;
+    if (!index.Scan(GetIndexFile(request), matches))
         return FailWithTopError();
     IndexSearcher searcher;
     const bool started =

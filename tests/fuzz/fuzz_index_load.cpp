@@ -44,9 +44,11 @@ std::unique_ptr<char[]> ImageOf(const uint8_t* data, size_t size) {
     return image;
 }
 
-// The message of a refusal, empty for an index that loaded, and the path of every record.
+// The message of a refusal, empty for an index that loaded, the number of records and the path
+// of every record (none for a scan that only counts).
 struct Outcome {
     std::string message;
+    int32_t found = 0;
     std::vector<std::string> paths;
 };
 
@@ -63,16 +65,20 @@ std::vector<std::string> ResultPaths(const IndexData& index) {
     return paths;
 }
 
-Outcome Scan(const uint8_t* data, size_t size) {
+Outcome Scan(const uint8_t* data, size_t size, ScanMatches matches) {
     IndexData index;
-    bool scanned = index.ScanImage(ImageOf(data, size), static_cast<uint32_t>(size));
+    bool scanned = index.ScanImage(ImageOf(data, size), static_cast<uint32_t>(size), matches);
     while (scanned && index.GetRecordCount() > 0) {
         for (int32_t ordinal = 0; ordinal < index.GetRecordCount(); ++ordinal)
             index.AddResult(index.GetRecord(ordinal));
         scanned = index.TakeNextWindow();
     }
     const std::string message = TakeMessage(scanned);
-    return {message, scanned ? ResultPaths(index) : std::vector<std::string>{}};
+    if (!scanned)
+        return {message, 0, {}};
+    const bool kept = matches == ScanMatches::Kept;
+    return {message, index.GetResultCount(),
+            kept ? ResultPaths(index) : std::vector<std::string>{}};
 }
 
 } // namespace
@@ -88,12 +94,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             AskEverything(index);
             for (int32_t ordinal = 0; ordinal < index.GetRecordCount(); ++ordinal)
                 index.AddResult(index.GetRecord(ordinal));
+            whole.found = index.GetResultCount();
             whole.paths = ResultPaths(index);
         }
         whole.message = TakeMessage(loaded);
     }
-    const Outcome scanned = Scan(data, size);
-    if (scanned.message != whole.message || scanned.paths != whole.paths)
+    const Outcome scanned = Scan(data, size, ScanMatches::Kept);
+    const Outcome counted = Scan(data, size, ScanMatches::Counted);
+    if (scanned.message != whole.message || scanned.found != whole.found ||
+        scanned.paths != whole.paths || counted.message != whole.message ||
+        counted.found != whole.found)
         std::abort();
     return 0;
 }

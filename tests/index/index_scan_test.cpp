@@ -21,12 +21,14 @@ struct Outcome {
     bool loaded;
     std::string message;
     std::vector<Entry> entries;
+    int32_t found = 0;
     uint32_t files = 0, folders = 0;
     uint64_t total = 0;
 };
 
-void TakeEntries(IndexData& index, Outcome& outcome) {
-    for (int32_t i = 0; i < index.GetResultCount(); ++i)
+void TakeEntries(IndexData& index, Outcome& outcome, ScanMatches matches) {
+    outcome.found = index.GetResultCount();
+    for (int32_t i = 0; matches == ScanMatches::Kept && i < outcome.found; ++i)
         outcome.entries.push_back(
             {index.GetResultPath(i).GetCString(), index.GetResultSize(i), index.IsResultFolder(i)});
     outcome.files = index.GetFileCount();
@@ -34,11 +36,11 @@ void TakeEntries(IndexData& index, Outcome& outcome) {
     outcome.total = index.GetTotalSize();
 }
 
-Outcome Finish(IndexData& index, bool loaded) {
+Outcome Finish(IndexData& index, bool loaded, ScanMatches matches = ScanMatches::Kept) {
     Outcome outcome{loaded, loaded ? "" : CurrentMessage(), {}};
     loam::ClearErrors();
     if (loaded)
-        TakeEntries(index, outcome);
+        TakeEntries(index, outcome, matches);
     return outcome;
 }
 
@@ -65,19 +67,33 @@ Outcome LoadBytes(const std::string& bytes) {
 }
 
 // Every window's records become results before the window moves on.
-Outcome ScanWindows(IndexData& index, bool started) {
+Outcome ScanWindows(IndexData& index, bool started, ScanMatches matches = ScanMatches::Kept) {
     bool scanned = started;
     while (scanned && index.GetRecordCount() > 0) {
         for (int32_t i = 0; i < index.GetRecordCount(); ++i)
             index.AddResult(index.GetRecord(i));
         scanned = index.TakeNextWindow();
     }
-    return Finish(index, scanned);
+    return Finish(index, scanned, matches);
 }
 
-Outcome ScanFile(const loam::FileSpec& file) {
+Outcome ScanFile(const loam::FileSpec& file, ScanMatches matches = ScanMatches::Kept) {
     IndexData index;
-    return ScanWindows(index, index.Scan(file));
+    return ScanWindows(index, index.Scan(file, matches), matches);
+}
+
+// A scan that counts its matches keeps none of them, but takes, refuses and counts as one that
+// keeps them.
+void ExpectSameAsWhole(const Outcome& scanned, const Outcome& whole, ScanMatches matches) {
+    EXPECT_EQ(scanned.loaded, whole.loaded);
+    EXPECT_EQ(scanned.message, whole.message);
+    EXPECT_EQ(scanned.found, whole.found);
+    EXPECT_EQ(scanned.files, whole.files);
+    EXPECT_EQ(scanned.folders, whole.folders);
+    EXPECT_EQ(scanned.total, whole.total);
+    if (matches == ScanMatches::Kept) {
+        EXPECT_TRUE(scanned.entries == whole.entries) << scanned.entries.size();
+    }
 }
 
 Outcome ScanBytes(const std::string& bytes) {
@@ -157,18 +173,19 @@ TEST_F(IndexScanTest, TakesAndRefusesWhatALoadDoesWithTheSamePaths) {
     for (const auto& row : cases) {
         SCOPED_TRACE(row.what);
         MakeFile("sorvanta.idx", row.bytes);
-        const std::pair<Outcome, Outcome> pairs[] = {
-            {LoadWhole(FileAt("sorvanta.idx")), ScanFile(FileAt("sorvanta.idx"))},
-            {LoadBytes(row.bytes), ScanBytes(row.bytes)},
+        const Outcome fromFile = LoadWhole(FileAt("sorvanta.idx"));
+        const struct {
+            Outcome whole, scanned;
+            ScanMatches matches;
+        } pairs[] = {
+            {fromFile, ScanFile(FileAt("sorvanta.idx")), ScanMatches::Kept},
+            {fromFile, ScanFile(FileAt("sorvanta.idx"), ScanMatches::Counted),
+             ScanMatches::Counted},
+            {LoadBytes(row.bytes), ScanBytes(row.bytes), ScanMatches::Kept},
         };
-        for (const auto& [whole, scanned] : pairs) {
-            EXPECT_EQ(whole.loaded, row.loads) << whole.message;
-            EXPECT_EQ(scanned.loaded, whole.loaded);
-            EXPECT_EQ(scanned.message, whole.message);
-            EXPECT_EQ(scanned.files, whole.files);
-            EXPECT_EQ(scanned.folders, whole.folders);
-            EXPECT_EQ(scanned.total, whole.total);
-            EXPECT_TRUE(scanned.entries == whole.entries) << scanned.entries.size();
+        for (const auto& pair : pairs) {
+            EXPECT_EQ(pair.whole.loaded, row.loads) << pair.whole.message;
+            ExpectSameAsWhole(pair.scanned, pair.whole, pair.matches);
         }
     }
 }
