@@ -8,6 +8,7 @@ import subprocess
 import sys
 import tempfile
 import time
+import urllib.parse
 
 import gi
 
@@ -76,6 +77,31 @@ class Session:
             folder = os.path.join(self.tree, "folder%03d" % (number // per_folder))
             os.makedirs(folder, exist_ok=True)
             open(os.path.join(folder, "file%05d.txt" % number), "w").close()
+
+    def build_index(self):
+        """The index of the tree, made by the program itself without a display."""
+        environment = self.environment()
+        environment["QUILT_PLATFORM"] = "offscreen"
+        subprocess.run([self.program(), "/buildindex"], env=environment, check=True, timeout=120)
+
+    def handle_folders(self):
+        """Makes the session's default handler for folders a script that notes each location it
+        is given, one a line, in the file whose path this returns. The handler is known only to
+        this session: a menu entry in its own data folder and the default in its own settings."""
+        opened = os.path.join(self.home, "opened-folders")
+        script = os.path.join(self.home, "open-folder")
+        with open(script, "w") as handler:
+            handler.write('#!/bin/sh\nprintf "%%s\\n" "$1" >> "%s"\n' % opened)
+        os.chmod(script, 0o700)
+        applications = os.path.join(self.home, "data", "applications")
+        os.makedirs(applications, exist_ok=True)
+        with open(os.path.join(applications, "sorvanta-test-folders.desktop"), "w") as entry:
+            entry.write("[Desktop Entry]\nType=Application\nName=Test folders\nNoDisplay=true\n"
+                        "Exec=%s %%u\nMimeType=inode/directory;\n" % script)
+        os.makedirs(os.path.join(self.home, "config"), exist_ok=True)
+        with open(os.path.join(self.home, "config", "mimeapps.list"), "w") as defaults:
+            defaults.write("[Default Applications]\ninode/directory=sorvanta-test-folders.desktop\n")
+        return opened
 
     def write_settings(self, text):
         folder = os.path.join(self.home, "config", "Wendlemark")
@@ -154,6 +180,10 @@ class Session:
         x, y = self.centre(node)
         self.xdotool("mousemove", str(x), str(y), "click", "1")
 
+    def double_click(self, node):
+        x, y = self.centre(node)
+        self.xdotool("mousemove", str(x), str(y), "click", "--repeat", "2", "--delay", "100", "1")
+
     def focus(self, window):
         """Without a window manager the keyboard follows the pointer: point into the window."""
         box = window.get_extents(Atspi.CoordType.SCREEN)
@@ -202,6 +232,36 @@ class Session:
         if self.process is not None and self.process.poll() is None:
             self.process.kill()
             self.process.wait()
+
+
+def local_path(location):
+    """The folder a file manager was given, which the desktop hands over as a file URI or, for
+    a folder on this machine, as its path."""
+    if location.startswith("file://"):
+        return urllib.parse.unquote(urllib.parse.urlparse(location).path)
+    return location
+
+
+def table_rows(table):
+    return Atspi.Table.get_n_rows(table)
+
+
+def cell(table, row, column):
+    return Atspi.Table.get_accessible_at(table, row, column)
+
+
+def cell_text(table, row, column):
+    node = cell(table, row, column)
+    return node.get_name() if node is not None else ""
+
+
+def search(session, window, pattern):
+    """Types the pattern into the search window's pattern box and starts the search."""
+    field = session.control(window, Atspi.Role.TEXT)
+    session.click(field)
+    session.keys("ctrl+a", "BackSpace")
+    session.type(pattern)
+    session.keys("Return")
 
 
 def run(test, session):
