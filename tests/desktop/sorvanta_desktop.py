@@ -13,7 +13,7 @@ import urllib.parse
 import gi
 
 gi.require_version("Atspi", "2.0")
-from gi.repository import Atspi  # noqa: E402
+from gi.repository import Atspi, GLib  # noqa: E402
 
 # How long a window may take to come up or to change, on a machine that is busy building.
 PATIENCE = 20.0
@@ -52,9 +52,14 @@ def text_of(node):
 
 
 def walk(node):
+    """The node and everything under it; a part that goes while it is read is left out, as the
+    folder chooser replaces its rows while it reads a folder."""
     yield node
-    for index in range(node.get_child_count()):
-        child = node.get_child_at_index(index)
+    try:
+        children = [node.get_child_at_index(index) for index in range(node.get_child_count())]
+    except GLib.Error:
+        return
+    for child in children:
         if child is not None:
             yield from walk(child)
 
@@ -111,7 +116,12 @@ class Session:
 
     def environment(self):
         environment = dict(os.environ)
+        # Nothing the program or GTK keeps may land outside the session: the folder chooser
+        # stores its size in the desktop's settings, which would otherwise reach the user's own.
         environment.update(
+            HOME=self.home,
+            XDG_CACHE_HOME=os.path.join(self.home, "cache"),
+            GSETTINGS_BACKEND="memory",
             XDG_CONFIG_HOME=os.path.join(self.home, "config"),
             XDG_DATA_HOME=os.path.join(self.home, "data"),
             SORVANTA_ROOTS=self.tree,
