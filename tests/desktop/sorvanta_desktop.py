@@ -105,7 +105,8 @@ class Session:
                         "Exec=%s %%u\nMimeType=inode/directory;\n" % script)
         os.makedirs(os.path.join(self.home, "config"), exist_ok=True)
         with open(os.path.join(self.home, "config", "mimeapps.list"), "w") as defaults:
-            defaults.write("[Default Applications]\ninode/directory=sorvanta-test-folders.desktop\n")
+            defaults.write("[Default Applications]\n"
+                           "inode/directory=sorvanta-test-folders.desktop\n")
         return opened
 
     def write_settings(self, text):
