@@ -1,11 +1,11 @@
-"""The search window on a desktop: it comes up at its template size, its controls follow their
-anchors when it grows, a search fills the list and tells its outcome, a header click sorts, and
-a pattern with more results than the limit asks first."""
+"""The search window on a desktop: it comes up at its template size, widened to show its whole
+status line, its controls follow their anchors when it grows, a search fills the list and tells
+its outcome, a header click sorts, and a pattern with more results than the limit asks first."""
 
 import sys
 
-from sorvanta_desktop import (Atspi, Session, cell_text, check, run, search, table_rows, text_of,
-                              wait_for)
+from sorvanta_desktop import (Atspi, Session, cell_text, check, on_one_line_inside, run, search,
+                              table_rows, text_of, wait_for)
 
 TITLE = "Sorvanta - v1.14"
 
@@ -27,6 +27,10 @@ def test(session):
     table = wait_for("the results list", lambda: session.controls(window, Atspi.Role.TABLE))[0]
     find = session.control(window, Atspi.Role.PUSH_BUTTON, "Find")
     _, _, width, height = extents(window)
+    status = [node for node in session.controls(window, Atspi.Role.TEXT)
+              if node.get_parent().get_role() == Atspi.Role.SCROLL_PANE][0]
+    wait_for("the index status", lambda: text_of(status).startswith("Index status good"))
+    check(on_one_line_inside(status), "the window comes up wide enough for its status line")
     session.screenshot("template-size", window)
 
     # Anchors: the list stretches with the window, the Find button moves with its right edge.

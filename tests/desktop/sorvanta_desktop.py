@@ -51,6 +51,17 @@ def text_of(node):
     return node.get_name() or ""
 
 
+def on_one_line_inside(node):
+    """Whether a control's text stands on one line, whole, within the control's own box."""
+    text = Atspi.Text.get_text(node, 0, -1)
+    if not text:
+        return False
+    first = Atspi.Text.get_character_extents(node, 0, Atspi.CoordType.SCREEN)
+    last = Atspi.Text.get_character_extents(node, len(text) - 1, Atspi.CoordType.SCREEN)
+    box = node.get_extents(Atspi.CoordType.SCREEN)
+    return first.y == last.y and box.x <= first.x and last.x + last.width <= box.x + box.width
+
+
 def walk(node):
     """The node and everything under it; a part that goes while it is read is left out, as the
     folder chooser replaces its rows while it reads a folder."""
