@@ -31,7 +31,7 @@ bool CreateDialogFont(Font& font) {
 }
 
 DialogUnits::DialogUnits(Font& font)
-    : averageWidth(font.GetAverageWidth()), height(font.GetHeight()) {}
+    : widthPixels(font.GetAverageWidth()), height(font.GetHeight()) {}
 
 DialogUnits DialogUnits::OfDialogFont() {
     Font font;
@@ -40,11 +40,22 @@ DialogUnits DialogUnits::OfDialogFont() {
 }
 
 int32_t DialogUnits::ToPixelsX(int32_t units) const {
-    return ScaleRounded(units, averageWidth, 4);
+    return ScaleRounded(units, widthPixels, widthUnits);
 }
 
 int32_t DialogUnits::ToPixelsY(int32_t units) const {
     return ScaleRounded(units, height, 8);
+}
+
+DialogUnits DialogUnits::WidenedToSpan(int32_t pixels, int32_t units) const {
+    DialogUnits widened = *this;
+    bool narrower =
+        static_cast<int64_t>(pixels) * widthUnits > static_cast<int64_t>(widthPixels) * units;
+    if (units > 0 && narrower) {
+        widened.widthPixels = pixels;
+        widened.widthUnits = units;
+    }
+    return widened;
 }
 
 Rect DialogUnits::ToPixels(const Rect& units) const {

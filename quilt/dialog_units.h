@@ -20,7 +20,7 @@ bool CreateDialogFont(Font& font);
 class DialogUnits {
 public:
     DialogUnits(int32_t characterWidth, int32_t lineHeight)
-        : averageWidth(characterWidth), height(lineHeight) {}
+        : widthPixels(characterWidth), height(lineHeight) {}
     explicit DialogUnits(Font& font);
     static DialogUnits OfDialogFont();
 
@@ -28,8 +28,15 @@ public:
     int32_t ToPixelsY(int32_t units) const;
     Rect ToPixels(const Rect& units) const;
 
+    // These units, with the horizontal unit widened where needed so that `units` of them span
+    // at least `pixels`: a font whose words run wider than its average character says still
+    // fits the texts of a layout made for another font.
+    DialogUnits WidenedToSpan(int32_t pixels, int32_t units) const;
+
 private:
-    int32_t averageWidth;
+    // A horizontal unit is widthPixels / widthUnits pixels.
+    int32_t widthPixels;
+    int32_t widthUnits = 4;
     int32_t height;
 };
 

@@ -40,6 +40,67 @@ void InstallCompactStyle() {
     g_object_unref(provider);
 }
 
+// Controls whose template text is the whole of what they show, on one line: a rectangle under
+// two lines' height, a line being eight vertical units.
+constexpr ControlKind textKinds[] = {
+    ControlKind::PushButton,   ControlKind::DefaultPushButton, ControlKind::CheckBox,
+    ControlKind::AutoCheckBox, ControlKind::StaticLeft,        ControlKind::StaticCentred,
+    ControlKind::StaticRight,
+};
+constexpr int32_t twoLines = 16;
+
+bool HoldsOneLineText(const DialogControlTemplate& control) {
+    return control.text[0] != '\0' && control.rect.height < twoLines &&
+           std::find(std::begin(textKinds), std::end(textKinds), control.kind) !=
+               std::end(textKinds);
+}
+
+// A desktop font's words can run wider for its average character than those of the font the
+// templates were laid out for, and a label would wrap or a check box clip. The horizontal unit
+// widens until each one-line text of the template fits its rectangle, measured on the widget
+// that shows it, in the dialogs' own style.
+DialogUnits FitUnitsToTexts(const DialogTemplate& dialog, DialogUnits units) {
+    GtkWidget* scratch = gtk_offscreen_window_new();
+    gtk_style_context_add_class(gtk_widget_get_style_context(scratch), "quilt-dialog");
+    GtkWidget* area = gtk_fixed_new();
+    gtk_container_add(GTK_CONTAINER(scratch), area);
+    for (const DialogControlTemplate& control : dialog.controls) {
+        if (!HoldsOneLineText(control)) {
+            continue;
+        }
+        GtkWidget* widget = MakeControl(
+            control.kind, GetControlKindStyle(control.kind) | control.style, control.text);
+        gtk_fixed_put(GTK_FIXED(area), widget, 0, 0);
+        gtk_widget_show(widget);
+        int natural = 0;
+        gtk_widget_get_preferred_width(widget, nullptr, &natural);
+        units = units.WidenedToSpan(natural, control.rect.width);
+    }
+    gtk_widget_destroy(scratch);
+    return units;
+}
+
+// A text view learns the width of its text only as it lays it out, after it is shown: its text
+// is measured here.
+int32_t GetNaturalWidth(GtkWidget* control, GtkWidget* inner) {
+    if (!GTK_IS_TEXT_VIEW(inner)) {
+        int natural = 0;
+        gtk_widget_get_preferred_width(control, nullptr, &natural);
+        return natural;
+    }
+    auto* view = GTK_TEXT_VIEW(inner);
+    GtkTextIter start;
+    GtkTextIter end;
+    gtk_text_buffer_get_bounds(gtk_text_view_get_buffer(view), &start, &end);
+    gchar* text = gtk_text_iter_get_text(&start, &end);
+    PangoLayout* layout = gtk_widget_create_pango_layout(inner, text);
+    g_free(text);
+    int width = 0;
+    pango_layout_get_pixel_size(layout, &width, nullptr);
+    g_object_unref(layout);
+    return width + gtk_text_view_get_left_margin(view) + gtk_text_view_get_right_margin(view);
+}
+
 bool IsApplicationQuitting() {
     Application* application = Application::GetCurrent();
     return application != nullptr && application->GetImp() != nullptr &&
@@ -133,7 +194,7 @@ bool Gtk_DialogImp::CreateNativeDialog(const loam::ResourceId& resource, Window*
         return false;
     }
     InstallCompactStyle();
-    DialogUnits units = GetUnits();
+    units = FitUnitsToTexts(*dialogTemplate, GetTemplateFontUnits());
     GtkWidget* window = MakeNativeDialog(parent, asChild, units);
     AddControls(FindNative(window)->clientArea, units);
     if (!Attach(window)) {
@@ -255,7 +316,30 @@ void Gtk_DialogImp::LimitSize() {
         least = Size{1, 1};
     }
     gtk_widget_set_size_request(area, least.width, least.height);
+    // It comes up wide enough for what its controls hold: the anchors give the added width to
+    // the controls that stretch, such as a status line.
+    if (!gtk_widget_get_realized(GetWidget())) {
+        client.right += GetWidthShortfall();
+    }
     gtk_window_resize(GTK_WINDOW(GetWidget()), client.GetWidth(), client.GetHeight());
+}
+
+// How much wider than its rectangle the widest-reaching control would have to be to show all it
+// holds, such as a status line whose words run past its end.
+int32_t Gtk_DialogImp::GetWidthShortfall() {
+    int32_t shortfall = 0;
+    GList* children = gtk_container_get_children(GTK_CONTAINER(GetClientArea()));
+    for (GList* item = children; item != nullptr; item = item->next) {
+        auto* child = GTK_WIDGET(item->data);
+        GtkNative* native = FindNative(child);
+        if (native == nullptr || !gtk_widget_get_visible(child)) {
+            continue;
+        }
+        shortfall =
+            std::max(shortfall, GetNaturalWidth(child, native->inner) - native->rect.GetWidth());
+    }
+    g_list_free(children);
+    return shortfall;
 }
 
 bool Gtk_DialogImp::IsModalRunning() const {
@@ -473,9 +557,10 @@ GtkWidget* Gtk_DialogImp::FindControl(int32_t id) const {
 }
 
 DialogUnits Gtk_DialogImp::GetUnits() const {
-    if (dialogTemplate == nullptr) {
-        return DialogUnits::OfDialogFont();
-    }
+    return dialogTemplate != nullptr ? units : DialogUnits::OfDialogFont();
+}
+
+DialogUnits Gtk_DialogImp::GetTemplateFontUnits() const {
     Font font;
     font.Create(loam::String(dialogTemplate->fontName), dialogTemplate->fontPoints);
     return DialogUnits(font);

@@ -57,6 +57,7 @@ private:
     GtkWidget* MakeNativeDialog(Window* parent, bool asChild, const DialogUnits& units);
     void AddControls(GtkWidget* clientArea, const DialogUnits& units);
     void LimitSize();
+    int32_t GetWidthShortfall();
     bool IsModalRunning() const;
     void SendCommand(int32_t id);
     void PressDefault(GtkWidget* focus, uint32_t modifiers);
@@ -65,6 +66,7 @@ private:
     std::vector<GtkWidget*> GetTabStops() const;
     GtkWidget* FindControl(int32_t id) const;
     DialogUnits GetUnits() const;
+    DialogUnits GetTemplateFontUnits() const;
     static gboolean OnGripPress(GtkWidget* window, GdkEventButton* event, gpointer imp);
 
     struct DialogKey {
@@ -74,6 +76,8 @@ private:
     static const DialogKey dialogKeys[];
 
     const DialogTemplate* dialogTemplate = nullptr;
+    // The units of the template, fitted to its texts when the dialog is made.
+    DialogUnits units{0, 0};
     int32_t deferDepth = 0;
     std::vector<std::pair<int32_t, Rect>> deferredMoves;
 };

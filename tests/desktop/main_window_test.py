@@ -1,21 +1,13 @@
-"""The search window on a desktop: it comes up at its template size, its controls follow their
-anchors when it grows, a search fills the list and tells its outcome, a header click sorts, and
-a pattern with more results than the limit asks first."""
+"""The search window on a desktop: it comes up at its template size, widened to show its whole
+status line, its controls follow their anchors when it grows, a search fills the list and tells
+its outcome, a header click sorts, and a pattern with more results than the limit asks first."""
 
-import subprocess
 import sys
 
-from sorvanta_desktop import Atspi, Session, check, run, text_of, wait_for
+from sorvanta_desktop import (Atspi, Session, cell_text, check, on_one_line_inside, run, search,
+                              table_rows, text_of, wait_for)
 
 TITLE = "Sorvanta - v1.14"
-
-
-def build_index(session):
-    """The index of the tree, made by the program itself without a display."""
-    environment = session.environment()
-    environment["QUILT_PLATFORM"] = "offscreen"
-    program = session.program()
-    subprocess.run([program, "/buildindex"], env=environment, check=True, timeout=120)
 
 
 def extents(node):
@@ -23,35 +15,22 @@ def extents(node):
     return box.x, box.y, box.width, box.height
 
 
-def table_rows(table):
-    return Atspi.Table.get_n_rows(table)
-
-
-def cell_text(table, row, column):
-    cell = Atspi.Table.get_accessible_at(table, row, column)
-    return cell.get_name() if cell is not None else ""
-
-
-def search(session, window, pattern):
-    field = session.control(window, Atspi.Role.TEXT)
-    session.click(field)
-    session.keys("ctrl+a", "BackSpace")
-    session.type(pattern)
-    session.keys("Return")
-
-
 def texts_of(session, window):
     return [text_of(node) for node in session.controls(window, Atspi.Role.TEXT)]
 
 
 def test(session):
-    build_index(session)
+    session.build_index()
     session.start()
     window = session.window(TITLE)
     session.focus(window)
     table = wait_for("the results list", lambda: session.controls(window, Atspi.Role.TABLE))[0]
     find = session.control(window, Atspi.Role.PUSH_BUTTON, "Find")
     _, _, width, height = extents(window)
+    status = [node for node in session.controls(window, Atspi.Role.TEXT)
+              if node.get_parent().get_role() == Atspi.Role.SCROLL_PANE][0]
+    wait_for("the index status", lambda: text_of(status).startswith("Index status good"))
+    check(on_one_line_inside(status), "the window comes up wide enough for its status line")
     session.screenshot("template-size", window)
 
     # Anchors: the list stretches with the window, the Find button moves with its right edge.

@@ -1,11 +1,11 @@
-"""The search window's options dialog and its Build Index button on a desktop: the slider sets
-the result limit that its label shows, and a build shows the folder it walks until Cancel stops
-it with the words of the interruption."""
+"""The search window's options dialog and its Build Index button on a desktop: the limit's label
+stands on one line, the slider sets the result limit that its label shows, and a build shows the
+folder it walks until Cancel stops it with the words of the interruption."""
 
 import re
 import sys
 
-from sorvanta_desktop import Atspi, Session, check, run, text_of, wait_for
+from sorvanta_desktop import Atspi, Session, check, on_one_line_inside, run, text_of, wait_for
 
 TITLE = "Sorvanta - v1.14"
 
@@ -14,6 +14,9 @@ def options(session, window):
     session.click(session.control(window, Atspi.Role.PUSH_BUTTON, "Options..."))
     dialog = session.window("Sorvanta Options")
     limit = session.control(dialog, Atspi.Role.LABEL, "1,000")
+    check(on_one_line_inside(session.control(dialog, Atspi.Role.LABEL,
+                                             "Maximum results to display:")),
+          "the limit's label stands on one line")
     slider = session.control(dialog, Atspi.Role.SLIDER)
     session.click(slider)
     session.keys("Right")

@@ -8,11 +8,12 @@ import subprocess
 import sys
 import tempfile
 import time
+import urllib.parse
 
 import gi
 
 gi.require_version("Atspi", "2.0")
-from gi.repository import Atspi  # noqa: E402
+from gi.repository import Atspi, GLib  # noqa: E402
 
 # How long a window may take to come up or to change, on a machine that is busy building.
 PATIENCE = 20.0
@@ -50,10 +51,26 @@ def text_of(node):
     return node.get_name() or ""
 
 
+def on_one_line_inside(node):
+    """Whether a control's text stands on one line, whole, within the control's own box."""
+    text = Atspi.Text.get_text(node, 0, -1)
+    if not text:
+        return False
+    first = Atspi.Text.get_character_extents(node, 0, Atspi.CoordType.SCREEN)
+    last = Atspi.Text.get_character_extents(node, len(text) - 1, Atspi.CoordType.SCREEN)
+    box = node.get_extents(Atspi.CoordType.SCREEN)
+    return first.y == last.y and box.x <= first.x and last.x + last.width <= box.x + box.width
+
+
 def walk(node):
+    """The node and everything under it; a part that goes while it is read is left out, as the
+    folder chooser replaces its rows while it reads a folder."""
     yield node
-    for index in range(node.get_child_count()):
-        child = node.get_child_at_index(index)
+    try:
+        children = [node.get_child_at_index(index) for index in range(node.get_child_count())]
+    except GLib.Error:
+        return
+    for child in children:
         if child is not None:
             yield from walk(child)
 
@@ -77,6 +94,32 @@ class Session:
             os.makedirs(folder, exist_ok=True)
             open(os.path.join(folder, "file%05d.txt" % number), "w").close()
 
+    def build_index(self):
+        """The index of the tree, made by the program itself without a display."""
+        environment = self.environment()
+        environment["QUILT_PLATFORM"] = "offscreen"
+        subprocess.run([self.program(), "/buildindex"], env=environment, check=True, timeout=120)
+
+    def handle_folders(self):
+        """Makes the session's default handler for folders a script that notes each location it
+        is given, one a line, in the file whose path this returns. The handler is known only to
+        this session: a menu entry in its own data folder and the default in its own settings."""
+        opened = os.path.join(self.home, "opened-folders")
+        script = os.path.join(self.home, "open-folder")
+        with open(script, "w") as handler:
+            handler.write('#!/bin/sh\nprintf "%%s\\n" "$1" >> "%s"\n' % opened)
+        os.chmod(script, 0o700)
+        applications = os.path.join(self.home, "data", "applications")
+        os.makedirs(applications, exist_ok=True)
+        with open(os.path.join(applications, "sorvanta-test-folders.desktop"), "w") as entry:
+            entry.write("[Desktop Entry]\nType=Application\nName=Test folders\nNoDisplay=true\n"
+                        "Exec=%s %%u\nMimeType=inode/directory;\n" % script)
+        os.makedirs(os.path.join(self.home, "config"), exist_ok=True)
+        with open(os.path.join(self.home, "config", "mimeapps.list"), "w") as defaults:
+            defaults.write("[Default Applications]\n"
+                           "inode/directory=sorvanta-test-folders.desktop\n")
+        return opened
+
     def write_settings(self, text):
         folder = os.path.join(self.home, "config", "Wendlemark")
         os.makedirs(folder, exist_ok=True)
@@ -85,7 +128,12 @@ class Session:
 
     def environment(self):
         environment = dict(os.environ)
+        # Nothing the program or GTK keeps may land outside the session: the folder chooser
+        # stores its size in the desktop's settings, which would otherwise reach the user's own.
         environment.update(
+            HOME=self.home,
+            XDG_CACHE_HOME=os.path.join(self.home, "cache"),
+            GSETTINGS_BACKEND="memory",
             XDG_CONFIG_HOME=os.path.join(self.home, "config"),
             XDG_DATA_HOME=os.path.join(self.home, "data"),
             SORVANTA_ROOTS=self.tree,
@@ -154,6 +202,10 @@ class Session:
         x, y = self.centre(node)
         self.xdotool("mousemove", str(x), str(y), "click", "1")
 
+    def double_click(self, node):
+        x, y = self.centre(node)
+        self.xdotool("mousemove", str(x), str(y), "click", "--repeat", "2", "--delay", "100", "1")
+
     def focus(self, window):
         """Without a window manager the keyboard follows the pointer: point into the window."""
         box = window.get_extents(Atspi.CoordType.SCREEN)
@@ -202,6 +254,36 @@ class Session:
         if self.process is not None and self.process.poll() is None:
             self.process.kill()
             self.process.wait()
+
+
+def local_path(location):
+    """The folder a file manager was given, which the desktop hands over as a file URI or, for
+    a folder on this machine, as its path."""
+    if location.startswith("file://"):
+        return urllib.parse.unquote(urllib.parse.urlparse(location).path)
+    return location
+
+
+def table_rows(table):
+    return Atspi.Table.get_n_rows(table)
+
+
+def cell(table, row, column):
+    return Atspi.Table.get_accessible_at(table, row, column)
+
+
+def cell_text(table, row, column):
+    node = cell(table, row, column)
+    return node.get_name() if node is not None else ""
+
+
+def search(session, window, pattern):
+    """Types the pattern into the search window's pattern box and starts the search."""
+    field = session.control(window, Atspi.Role.TEXT)
+    session.click(field)
+    session.keys("ctrl+a", "BackSpace")
+    session.type(pattern)
+    session.keys("Return")
 
 
 def run(test, session):

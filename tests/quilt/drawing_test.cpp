@@ -8,6 +8,8 @@
 
 #include <string>
 #include <tuple>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -60,6 +62,28 @@ TEST(DialogUnitsTest, PixelsRoundHalvesAwayFromZero) {
     for (const auto& [units, x, y] : cases) {
         EXPECT_EQ(classic.ToPixelsX(units), x) << units;
         EXPECT_EQ(classic.ToPixelsY(units), y) << units;
+    }
+}
+
+TEST(DialogUnitsTest, WideningKeepsTheWidestSpanAndLeavesHeightsAlone) {
+    // Spans asked for in turn, then the pixels that 86 and 4 units come to.
+    const std::tuple<const char*, std::vector<std::pair<int32_t, int32_t>>, int32_t, int32_t>
+        cases[] = {
+            {"none asked", {}, 172, 8},
+            {"a span that fits already", {{100, 86}}, 172, 8},
+            {"a wider span", {{185, 86}}, 185, 9},
+            {"the widest of several", {{60, 31}, {185, 86}, {130, 76}}, 185, 9},
+            {"a narrower span after a wider one", {{185, 86}, {100, 86}}, 185, 9},
+            {"no units to span", {{50, 0}, {-5, 3}}, 172, 8},
+        };
+    for (const auto& [name, spans, eightySix, four] : cases) {
+        quilt::DialogUnits units(8, 16);
+        for (const auto& [pixels, width] : spans) {
+            units = units.WidenedToSpan(pixels, width);
+        }
+        EXPECT_EQ(units.ToPixelsX(86), eightySix) << name;
+        EXPECT_EQ(units.ToPixelsX(4), four) << name;
+        EXPECT_EQ(units.ToPixelsY(8), 16) << name;
     }
 }
 

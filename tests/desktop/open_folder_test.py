@@ -1,0 +1,68 @@
+"""A double click on a result row opens the folder that holds the entry, through the desktop's
+default handler for folders; a row whose folder has gone since the index was built gives the
+error dialog with the words for a missing folder, and opens nothing."""
+
+import os
+import shutil
+import sys
+
+from sorvanta_desktop import (Atspi, Session, cell, cell_text, check, local_path, run, search,
+                              table_rows, wait_for)
+
+TITLE = "Sorvanta - v1.14"
+MISSING_FOLDER = "The application tried to open a folder that did not exist."
+
+
+def opened_folders(opened):
+    if not os.path.exists(opened):
+        return []
+    with open(opened) as lines:
+        return [local_path(line) for line in lines.read().splitlines()]
+
+
+def open_row(session, window, table, pattern):
+    """Searches for one entry and double-clicks its row; gives the row's folder."""
+    search(session, window, pattern)
+    wait_for("the row of '%s'" % pattern,
+             lambda: table_rows(table) == 1 and cell_text(table, 0, 0) == pattern)
+    folder = cell_text(table, 0, 1)
+    session.double_click(cell(table, 0, 0))
+    return folder
+
+
+def test(session):
+    opened = session.handle_folders()
+    session.build_index()
+    gone = os.path.join(session.tree, "folder005")
+    shutil.rmtree(gone)
+    session.start()
+    window = session.window(TITLE)
+    session.focus(window)
+    table = wait_for("the results list", lambda: session.controls(window, Atspi.Role.TABLE))[0]
+
+    folder = open_row(session, window, table, "file00123.txt")
+    check(folder == os.path.join(session.tree, "folder000"), "the row's folder: " + folder)
+    wait_for("the folder handler to be called", lambda: opened_folders(opened))
+    check(opened_folders(opened) == [folder],
+          "the handler was given the row's folder: %s" % opened_folders(opened))
+    session.screenshot("opened", window)
+
+    folder = open_row(session, window, table, "file02999.txt")
+    check(folder == gone, "the row's folder: " + folder)
+    dialog = session.window("Error")
+    message = wait_for("the error's text", lambda: dialog.get_description())
+    check(message == MISSING_FOLDER, "the words for a missing folder: " + message)
+    session.screenshot("missing-folder", dialog)
+    session.focus(dialog)
+    session.keys("Return")
+    wait_for("the error dialog to close", lambda: len(session.application_windows()) == 1)
+    check(opened_folders(opened) == [os.path.join(session.tree, "folder000")],
+          "nothing more was opened: %s" % opened_folders(opened))
+
+    session.focus(window)
+    session.keys("Escape")
+    check(session.wait_exit() == 0, "Escape closes the window and ends the program")
+
+
+if __name__ == "__main__":
+    sys.exit(run(test, Session("open-folder", tree_files=3000)))
