@@ -4,6 +4,7 @@ screenshots. One program session per test process: the accessibility client keep
 """
 
 import os
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -251,9 +252,21 @@ class Session:
             raise Failure("the program did not end")
 
     def stop(self):
+        """Ends the program and removes what the session made, but for its screenshots."""
         if self.process is not None and self.process.poll() is None:
             self.process.kill()
             self.process.wait()
+        self.process = None
+        for entry in os.listdir(self.home):
+            path = os.path.join(self.home, entry)
+            if path == self.artefacts:
+                continue
+            if os.path.isdir(path) and not os.path.islink(path):
+                shutil.rmtree(path, ignore_errors=True)
+            else:
+                os.remove(path)
+        if self.artefacts != os.path.join(self.home, "shots"):
+            shutil.rmtree(self.home, ignore_errors=True)
 
 
 def local_path(location):
