@@ -8,6 +8,9 @@ DESKTOP_TEST_PACKAGES := xvfb xdotool dbus-daemon dbus-x11 at-spi2-core python3-
 TEST_PACKAGES := $(BUILD_PACKAGES) googletest libgtest-dev clang libclang-rt-14-dev \
                  desktop-file-utils appstream file $(DESKTOP_TEST_PACKAGES)
 PACKAGE_PACKAGES := $(BUILD_PACKAGES) dpkg-dev file
+# `make try-package` installs the package into a fresh Debian in a folder and takes it away again;
+# it needs the network and root or sudo, so `make test` leaves it out.
+TRY_PACKAGE_PACKAGES := $(PACKAGE_PACKAGES) debootstrap xvfb xdotool imagemagick x11-utils
 BENCH_PACKAGES := $(BUILD_PACKAGES) libbenchmark-dev hyperfine plocate findutils
 
 RELEASE_DIR := build/release
@@ -18,7 +21,8 @@ JOBS := $(shell nproc)
 FUZZ_SECONDS ?= 30
 PREFIX ?= /usr/local
 
-.PHONY: run build test fuzz bench install package deps-build deps-test deps-bench deps-package format
+.PHONY: run build test fuzz bench install package try-package deps-build deps-test deps-bench \
+        deps-package deps-try-package format
 
 run: build
 	@./scripts/run-sorvanta $(RELEASE_DIR)
@@ -48,6 +52,9 @@ package: deps-package build
 	@cd $(RELEASE_DIR) && cpack -G DEB > /dev/null
 	@ls $(RELEASE_DIR)/sorvanta_*.deb
 
+try-package: deps-try-package package
+	@./scripts/try-package
+
 deps-build:
 	@./scripts/ensure-packages $(BUILD_PACKAGES)
 
@@ -59,6 +66,9 @@ deps-bench:
 
 deps-package:
 	@./scripts/ensure-packages $(PACKAGE_PACKAGES)
+
+deps-try-package:
+	@./scripts/ensure-packages $(TRY_PACKAGE_PACKAGES)
 
 format:
 	@git ls-files '*.cpp' '*.h' | xargs clang-format -i
