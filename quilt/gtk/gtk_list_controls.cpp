@@ -1,6 +1,7 @@
 #include "quilt/gtk/gtk_list_controls.h"
 
 #include "quilt/dialog_template.h"
+#include "quilt/gtk/gtk_list_view.h"
 #include "quilt/gtk/gtk_window_imp.h"
 
 #include <string>
@@ -45,7 +46,7 @@ void ShowModel(GtkWidget* view, bool shown) {
     GtkNative* native = FindNativeAbove(view);
     bool wasQuiet = native->quiet;
     native->quiet = true;
-    gtk_tree_view_set_model(GTK_TREE_VIEW(view), shown ? GetModel(view) : nullptr);
+    SetListViewModel(view, shown ? GetModel(view) : nullptr);
     GetListRows(view)->SetShown(shown);
     native->quiet = wasQuiet;
 }
@@ -140,7 +141,7 @@ void ConnectArrow(GtkWidget* child, gpointer combo) {
 
 GtkWidget* MakeListView(GtkNative& native, uint32_t style, const char*) {
     GtkTreeModel* rows = ListRows::NewModel(1);
-    GtkWidget* view = gtk_tree_view_new_with_model(rows);
+    GtkWidget* view = NewListView(rows);
     g_object_set_qdata_full(G_OBJECT(view), RowsQuark(), rows, g_object_unref);
     ListRows::Of(rows)->SetShown(true);
     bool report = (style & StyleReportView) != 0;
