@@ -241,7 +241,6 @@ int32_t Gtk_ListBoxImp::FindItem(const loam::String& text) {
     if (rows == nullptr) {
         return -1;
     }
-    rows->Index();
     for (int32_t row = 0; row < rows->GetCount(); ++row) {
         if (std::strcmp(rows->Get(row)->GetText(0), text.GetCString()) == 0) {
             return row;
@@ -262,7 +261,6 @@ void Gtk_ListBoxImp::SortRows(const std::function<int32_t(int32_t, int32_t)>& co
     if (rows == nullptr || rows->GetCount() < 2) {
         return;
     }
-    rows->Index();
     std::vector<int32_t> order(static_cast<size_t>(rows->GetCount()));
     std::iota(order.begin(), order.end(), 0);
     std::stable_sort(order.begin(), order.end(),
@@ -310,11 +308,10 @@ void Gtk_ListBoxImp::FitColumn(int32_t column) {
     if (entry == nullptr) {
         return;
     }
-    ListRows& rows = *GetRows();
-    rows.Index();
-    std::vector<std::string_view> texts(static_cast<size_t>(rows.GetCount()));
-    for (int32_t row = 0; row < rows.GetCount(); ++row) {
-        texts[static_cast<size_t>(row)] = rows.Get(row)->GetText(column);
+    std::vector<std::string_view> texts;
+    texts.reserve(static_cast<size_t>(GetCount()));
+    for (const std::unique_ptr<ListRow>& row : GetRows()->GetRowsInAnyOrder()) {
+        texts.emplace_back(row->GetText(column));
     }
     auto longerFirst = [](std::string_view a, std::string_view b) {
         return a.size() != b.size() ? a.size() > b.size() : a < b;

@@ -20,29 +20,13 @@ int32_t CompareFolded(const char* left, const char* right) {
     }
 }
 
-// Orders two rows by their first texts; the new row goes behind every row whose text is equal
-// to its own without regard to case, so the two are never equal.
-gint CompareWithNewRow(gconstpointer a, gconstpointer b, gpointer newRow) {
-    const auto* left = static_cast<const ListRow*>(a);
-    const auto* right = static_cast<const ListRow*>(b);
-    int32_t order = CompareFolded(left->GetText(0), right->GetText(0));
-    if (order != 0) {
-        return order;
-    }
-    return left == newRow ? 1 : -1;
-}
+// A block that grows beyond this many rows is split in two; a reorder fills blocks to half of it.
+constexpr size_t blockRows = 512;
 
-ListRow* NewRow(std::string_view text, uint32_t data, int32_t columns) {
-    auto* row = new ListRow;
-    row->data = data;
-    row->cells.reserve(text.size() + static_cast<size_t>(columns));
-    row->cells.assign(text);
-    row->cells.append(static_cast<size_t>(columns), '\0');
-    return row;
-}
-
-ListRow* RowOf(GSequenceIter* node) {
-    return static_cast<ListRow*>(g_sequence_get(node));
+// True when `row` goes before `newRow` in sorted order: a new row goes behind every row whose
+// first text is equal to its own without regard to case.
+bool GoesBefore(const ListRow* row, const ListRow* newRow) {
+    return CompareFolded(row->GetText(0), newRow->GetText(0)) <= 0;
 }
 
 std::string ToCss(const Colour& colour) {
@@ -89,11 +73,18 @@ struct ListRowsModel {
     static gboolean NthChild(GtkTreeModel* model, GtkTreeIter* iter, GtkTreeIter* parent, gint row);
     static gboolean Parent(GtkTreeModel*, GtkTreeIter*, GtkTreeIter*) { return FALSE; }
 
-    static void SetIter(ListRows& rows, GtkTreeIter& iter, GSequenceIter* node) {
-        iter.stamp = rows.stamp;
-        iter.user_data = node;
+    // An iterator holds its row and the row's block and place in the block.
+    static bool ToSpot(ListRows& rows, const GtkTreeIter* iter, ListRows::Spot& spot) {
+        if (iter->stamp != rows.stamp) {
+            return false;
+        }
+        spot = {GPOINTER_TO_SIZE(iter->user_data), GPOINTER_TO_SIZE(iter->user_data2)};
+        return true;
     }
-    static bool IsEnd(GSequenceIter* node) { return g_sequence_iter_is_end(node) != FALSE; }
+    static gboolean Invalid(GtkTreeIter* iter) {
+        iter->stamp = 0;
+        return FALSE;
+    }
 };
 
 namespace {
@@ -157,11 +148,12 @@ gboolean ListRowsModel::GetIter(GtkTreeModel* model, GtkTreeIter* iter, GtkTreeP
 }
 
 GtkTreePath* ListRowsModel::GetPath(GtkTreeModel* model, GtkTreeIter* iter) {
-    if (iter->stamp != RowsOf(model).stamp) {
+    ListRows& rows = RowsOf(model);
+    ListRows::Spot spot{};
+    if (!ToSpot(rows, iter, spot)) {
         return nullptr;
     }
-    auto* node = static_cast<GSequenceIter*>(iter->user_data);
-    return gtk_tree_path_new_from_indices(g_sequence_iter_get_position(node), -1);
+    return gtk_tree_path_new_from_indices(rows.GetPlace(spot), -1);
 }
 
 void ListRowsModel::GetValue(GtkTreeModel* model, GtkTreeIter* iter, gint column, GValue* value) {
@@ -183,44 +175,48 @@ void ListRowsModel::GetValue(GtkTreeModel* model, GtkTreeIter* iter, gint column
 
 gboolean ListRowsModel::Next(GtkTreeModel* model, GtkTreeIter* iter) {
     ListRows& rows = RowsOf(model);
-    if (iter->stamp != rows.stamp) {
-        return FALSE;
+    ListRows::Spot spot{};
+    if (!ToSpot(rows, iter, spot)) {
+        return Invalid(iter);
     }
-    GSequenceIter* next = g_sequence_iter_next(static_cast<GSequenceIter*>(iter->user_data));
-    if (IsEnd(next)) {
-        iter->stamp = 0;
-        return FALSE;
+    if (++spot.offset == rows.blocks[spot.block].size()) {
+        spot = {spot.block + 1, 0};
     }
-    iter->user_data = next;
+    if (spot.block == rows.blocks.size()) {
+        return Invalid(iter);
+    }
+    rows.SetIter(*iter, spot);
     return TRUE;
 }
 
 gboolean ListRowsModel::Previous(GtkTreeModel* model, GtkTreeIter* iter) {
     ListRows& rows = RowsOf(model);
-    auto* node = static_cast<GSequenceIter*>(iter->user_data);
-    if (iter->stamp != rows.stamp || g_sequence_iter_is_begin(node)) {
-        iter->stamp = 0;
-        return FALSE;
+    ListRows::Spot spot{};
+    if (!ToSpot(rows, iter, spot) || (spot.block == 0 && spot.offset == 0)) {
+        return Invalid(iter);
     }
-    iter->user_data = g_sequence_iter_prev(node);
+    if (spot.offset == 0) {
+        spot.block -= 1;
+        spot.offset = rows.blocks[spot.block].size();
+    }
+    spot.offset -= 1;
+    rows.SetIter(*iter, spot);
     return TRUE;
 }
 
 gboolean ListRowsModel::Children(GtkTreeModel* model, GtkTreeIter* iter, GtkTreeIter* parent) {
     ListRows& rows = RowsOf(model);
     if (parent != nullptr || rows.count == 0) {
-        iter->stamp = 0;
-        return FALSE;
+        return Invalid(iter);
     }
-    SetIter(rows, *iter, g_sequence_get_begin_iter(rows.rows));
+    rows.SetIter(*iter, {0, 0});
     return TRUE;
 }
 
 gboolean ListRowsModel::NthChild(GtkTreeModel* model, GtkTreeIter* iter, GtkTreeIter* parent,
                                  gint row) {
     if (parent != nullptr) {
-        iter->stamp = 0;
-        return FALSE;
+        return Invalid(iter);
     }
     return RowsOf(model).GetIter(row, *iter);
 }
@@ -274,94 +270,142 @@ ListRows* ListRows::Of(GtkTreeModel* model) {
 }
 
 ListRow& ListRows::At(const GtkTreeIter* iter) {
-    return *RowOf(static_cast<GSequenceIter*>(iter->user_data));
+    return *static_cast<ListRow*>(iter->user_data3);
 }
 
 ListRows::ListRows(GtkTreeModel* model, int32_t textColumns)
-    : face(model), rows(g_sequence_new(nullptr)), columnCount(std::max(textColumns, 1)) {}
-
-ListRows::~ListRows() {
-    g_sequence_foreach(
-        rows, [](gpointer row, gpointer) { delete static_cast<ListRow*>(row); }, nullptr);
-    g_sequence_free(rows);
-}
+    : face(model), columnCount(std::max(textColumns, 1)) {}
 
 void ListRows::SetColumnCount(int32_t columns) {
     columnCount = std::max(columns, 1);
-    g_sequence_foreach(
-        rows,
-        [](gpointer row, gpointer wanted) {
-            static_cast<ListRow*>(row)->SetColumnCount(GPOINTER_TO_INT(wanted));
-        },
-        GINT_TO_POINTER(columnCount));
+    for (const std::unique_ptr<ListRow>& row : owned) {
+        row->SetColumnCount(columnCount);
+    }
+}
+
+// A row's other texts usually follow its first at once: room for them saves growing the buffer
+// text by text.
+ListRow* ListRows::Adopt(std::string_view text, uint32_t data) {
+    constexpr size_t roomForOtherTexts = 96;
+    auto row = std::make_unique<ListRow>();
+    row->data = data;
+    row->cells.reserve(text.size() + roomForOtherTexts);
+    row->cells.assign(text);
+    row->cells.append(static_cast<size_t>(columnCount), '\0');
+    row->slot = owned.size();
+    owned.push_back(std::move(row));
+    return owned.back().get();
+}
+
+void ListRows::Disown(ListRow* row) {
+    size_t slot = row->slot;
+    owned[slot] = std::move(owned.back());
+    owned[slot]->slot = slot;
+    owned.pop_back();
 }
 
 void ListRows::Forget() {
-    nodes.clear();
-    lastRow = -1;
-    lastNode = nullptr;
+    startsHold = false;
     ++stamp;
 }
 
-GSequenceIter* ListRows::Find(int32_t row) {
+bool ListRows::Locate(int32_t row, Spot& spot) {
     if (row < 0 || row >= count) {
-        return nullptr;
+        return false;
     }
-    if (row == lastRow) {
-        return lastNode;
-    }
-    if (nodes.size() == static_cast<size_t>(count)) {
-        return nodes[static_cast<size_t>(row)];
-    }
-    return g_sequence_get_iter_at_pos(rows, row);
+    GetPlace({0, 0});
+    auto block = static_cast<size_t>(std::upper_bound(starts.begin(), starts.end(), row) -
+                                     starts.begin() - 1);
+    spot = {block, static_cast<size_t>(row - starts[block])};
+    return true;
 }
 
-void ListRows::Index() {
-    if (nodes.size() == static_cast<size_t>(count)) {
-        return;
+int32_t ListRows::GetPlace(const Spot& spot) {
+    if (!startsHold) {
+        starts.resize(blocks.size());
+        int32_t start = 0;
+        for (size_t block = 0; block < blocks.size(); ++block) {
+            starts[block] = start;
+            start += static_cast<int32_t>(blocks[block].size());
+        }
+        startsHold = true;
     }
-    nodes.clear();
-    nodes.reserve(static_cast<size_t>(count));
-    for (GSequenceIter* node = g_sequence_get_begin_iter(rows); !ListRowsModel::IsEnd(node);
-         node = g_sequence_iter_next(node)) {
-        nodes.push_back(node);
-    }
+    return spot.block < starts.size() ? starts[spot.block] + static_cast<int32_t>(spot.offset) : 0;
 }
 
-int32_t ListRows::Place(GSequenceIter* node) {
+void ListRows::SetIter(GtkTreeIter& iter, const Spot& spot) const {
+    iter.stamp = stamp;
+    iter.user_data = GSIZE_TO_POINTER(spot.block);
+    iter.user_data2 = GSIZE_TO_POINTER(spot.offset);
+    iter.user_data3 = blocks[spot.block][spot.offset];
+}
+
+int32_t ListRows::Put(Spot spot, ListRow* row) {
+    if (blocks.empty()) {
+        blocks.emplace_back();
+    }
+    std::vector<ListRow*>& block = blocks[spot.block];
+    block.insert(block.begin() + static_cast<std::ptrdiff_t>(spot.offset), row);
+    if (block.size() > blockRows) {
+        size_t half = block.size() / 2;
+        std::vector<ListRow*> back(block.begin() + static_cast<std::ptrdiff_t>(half), block.end());
+        block.resize(half);
+        blocks.insert(blocks.begin() + static_cast<std::ptrdiff_t>(spot.block) + 1,
+                      std::move(back));
+        if (spot.offset >= half) {
+            spot = {spot.block + 1, spot.offset - half};
+        }
+    }
     ++count;
     Forget();
-    lastNode = node;
-    lastRow = g_sequence_iter_get_position(node);
+    int32_t place = GetPlace(spot);
     if (shown) {
         GtkTreeIter iter;
-        ListRowsModel::SetIter(*this, iter, node);
-        GtkTreePath* path = gtk_tree_path_new_from_indices(lastRow, -1);
+        SetIter(iter, spot);
+        GtkTreePath* path = gtk_tree_path_new_from_indices(place, -1);
         gtk_tree_model_row_inserted(face, path, &iter);
         gtk_tree_path_free(path);
     }
-    return lastRow;
+    return place;
 }
 
 int32_t ListRows::Insert(int32_t place, std::string_view text, uint32_t data) {
-    GSequenceIter* before =
-        place >= 0 && place < count ? Find(place) : g_sequence_get_end_iter(rows);
-    return Place(g_sequence_insert_before(before, NewRow(text, data, columnCount)));
+    Spot spot{};
+    if (!Locate(place, spot)) {
+        spot = blocks.empty() ? Spot{0, 0} : Spot{blocks.size() - 1, blocks.back().size()};
+    }
+    return Put(spot, Adopt(text, data));
 }
 
+// The first block whose last row goes behind the new one holds its place.
 int32_t ListRows::InsertSorted(std::string_view text, uint32_t data) {
-    ListRow* row = NewRow(text, data, columnCount);
-    GSequenceIter* before = g_sequence_search(rows, row, CompareWithNewRow, row);
-    return Place(g_sequence_insert_before(before, row));
+    ListRow* row = Adopt(text, data);
+    auto block = std::partition_point(
+        blocks.begin(), blocks.end(),
+        [row](const std::vector<ListRow*>& rows) { return GoesBefore(rows.back(), row); });
+    if (block == blocks.end()) {
+        Spot end = blocks.empty() ? Spot{0, 0} : Spot{blocks.size() - 1, blocks.back().size()};
+        return Put(end, row);
+    }
+    auto offset = std::partition_point(block->begin(), block->end(), [row](const ListRow* other) {
+        return GoesBefore(other, row);
+    });
+    return Put(
+        {static_cast<size_t>(block - blocks.begin()), static_cast<size_t>(offset - block->begin())},
+        row);
 }
 
 bool ListRows::Remove(int32_t row) {
-    GSequenceIter* node = Find(row);
-    if (node == nullptr) {
+    Spot spot{};
+    if (!Locate(row, spot)) {
         return false;
     }
-    delete RowOf(node);
-    g_sequence_remove(node);
+    std::vector<ListRow*>& block = blocks[spot.block];
+    Disown(block[spot.offset]);
+    block.erase(block.begin() + static_cast<std::ptrdiff_t>(spot.offset));
+    if (block.empty()) {
+        blocks.erase(blocks.begin() + static_cast<std::ptrdiff_t>(spot.block));
+    }
     --count;
     Forget();
     if (shown) {
@@ -372,8 +416,8 @@ bool ListRows::Remove(int32_t row) {
     return true;
 }
 
-// A view that shows the rows hears of them going from the last, so that each path it is told is the
-// last row's.
+// A view that shows the rows hears of them going from the last, so that each path it is told is
+// the last row's.
 void ListRows::Clear() {
     if (shown) {
         while (count > 0) {
@@ -381,16 +425,15 @@ void ListRows::Clear() {
         }
         return;
     }
-    g_sequence_foreach(
-        rows, [](gpointer row, gpointer) { delete static_cast<ListRow*>(row); }, nullptr);
-    g_sequence_remove_range(g_sequence_get_begin_iter(rows), g_sequence_get_end_iter(rows));
+    blocks.clear();
+    owned.clear();
     count = 0;
     Forget();
 }
 
 ListRow* ListRows::Get(int32_t row) {
-    GSequenceIter* node = Find(row);
-    return node != nullptr ? RowOf(node) : nullptr;
+    Spot spot{};
+    return Locate(row, spot) ? blocks[spot.block][spot.offset] : nullptr;
 }
 
 void ListRows::Changed(int32_t row) {
@@ -403,23 +446,24 @@ void ListRows::Changed(int32_t row) {
     gtk_tree_path_free(path);
 }
 
-// The nodes stay where they are and take their new rows.
+// The rows go back into blocks half full, so that the next rows go in without a split.
 void ListRows::Reorder(const std::vector<int32_t>& order) {
     if (order.size() != static_cast<size_t>(count)) {
         return;
     }
-    Index();
     std::vector<ListRow*> before;
-    before.reserve(nodes.size());
-    for (GSequenceIter* node : nodes) {
-        before.push_back(RowOf(node));
+    before.reserve(order.size());
+    for (const std::vector<ListRow*>& block : blocks) {
+        before.insert(before.end(), block.begin(), block.end());
     }
-    for (size_t place = 0; place < nodes.size(); ++place) {
-        g_sequence_set(nodes[place], before[static_cast<size_t>(order[place])]);
+    blocks.clear();
+    for (size_t place = 0; place < order.size(); ++place) {
+        if (place % (blockRows / 2) == 0) {
+            blocks.emplace_back();
+        }
+        blocks.back().push_back(before[static_cast<size_t>(order[place])]);
     }
-    std::vector<GSequenceIter*> kept = std::move(nodes);
     Forget();
-    nodes = std::move(kept);
     if (shown) {
         GtkTreePath* path = gtk_tree_path_new();
         gtk_tree_model_rows_reordered(face, path, nullptr, const_cast<gint*>(order.data()));
@@ -428,12 +472,12 @@ void ListRows::Reorder(const std::vector<int32_t>& order) {
 }
 
 bool ListRows::GetIter(int32_t row, GtkTreeIter& iter) {
-    GSequenceIter* node = Find(row);
-    if (node == nullptr) {
+    Spot spot{};
+    if (!Locate(row, spot)) {
         iter.stamp = 0;
         return false;
     }
-    ListRowsModel::SetIter(*this, iter, node);
+    SetIter(iter, spot);
     return true;
 }
 

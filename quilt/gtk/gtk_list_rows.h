@@ -5,6 +5,7 @@
 #include <gtk/gtk.h>
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,6 +37,10 @@ struct ListRow {
     void SetText(int32_t column, std::string_view text);
     // Texts of surplus columns go; missing ones come empty.
     void SetColumnCount(int32_t count);
+
+private:
+    friend class ListRows;
+    size_t slot = 0; // where ListRows keeps the row
 };
 
 // The rows of a list view in their order, which a GtkTreeModel shows to the view. The rows live
@@ -51,7 +56,6 @@ public:
     // The row that an iterator of such a model stands for.
     static ListRow& At(const GtkTreeIter* iter);
 
-    ~ListRows();
     ListRows(const ListRows&) = delete;
     ListRows& operator=(const ListRows&) = delete;
 
@@ -72,9 +76,8 @@ public:
     void Clear();
     // Null when there is no such row.
     ListRow* Get(int32_t row);
-    // Keeps every row's node at hand until the rows change, for a caller that reads rows by the
-    // thousand, as a sort does.
-    void Index();
+    // Every row in no particular order, which is quicker to walk than the rows in their order.
+    const std::vector<std::unique_ptr<ListRow>>& GetRowsInAnyOrder() const { return owned; }
     // A row was changed through Get.
     void Changed(int32_t row);
     // `order` names, for each new place, the row that was there before.
@@ -86,21 +89,34 @@ private:
     friend struct ListRowsModel;
     ListRows(GtkTreeModel* face, int32_t textColumns);
 
-    GSequenceIter* Find(int32_t row);
-    // Rows were added, removed or moved: iterators no longer say which row is which.
+    struct Spot {
+        size_t block;
+        size_t offset;
+    };
+
+    ListRow* Adopt(std::string_view text, uint32_t data);
+    void Disown(ListRow* row);
+    // False when there is no such row.
+    bool Locate(int32_t row, Spot& spot);
+    int32_t GetPlace(const Spot& spot);
+    // Puts `row` at `spot` and gives its place.
+    int32_t Put(Spot spot, ListRow* row);
+    void SetIter(GtkTreeIter& iter, const Spot& spot) const;
+    // Rows were added, removed or moved: iterators and block starts no longer hold.
     void Forget();
-    // A new row's node went in: gives its place.
-    int32_t Place(GSequenceIter* node);
 
     GtkTreeModel* face;
-    GSequence* rows;
+    // The rows in their order, in blocks of at most a few hundred: a row goes in or out by moving
+    // the rest of its block, and a place is found through the blocks' first places.
+    std::vector<std::vector<ListRow*>> blocks;
+    std::vector<int32_t> starts; // each block's first place, while it holds
+    bool startsHold = false;
+    // The rows in the order they came, which is close to the order they lie in memory.
+    std::vector<std::unique_ptr<ListRow>> owned;
     int32_t count = 0;
     int32_t columnCount;
     bool shown = false;
     gint stamp = 1;
-    std::vector<GSequenceIter*> nodes;
-    int32_t lastRow = -1; // the row that went in last, and its node
-    GSequenceIter* lastNode = nullptr;
 };
 
 } // namespace quilt

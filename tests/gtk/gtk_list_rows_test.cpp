@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -92,6 +93,53 @@ TEST(ListRows, SortedRowsGoBehindTheirEqualsWithoutRegardToCase) {
         EXPECT_EQ(places, c.places) << c.added[0];
         EXPECT_EQ(rows.FirstTexts(), c.order) << c.added[0];
     }
+}
+
+// Enough rows for many blocks, in a shuffled order: every place given is where the row is found,
+// and the model walks the rows in the same order.
+TEST(ListRows, ManyRowsKeepTheirPlaces) {
+    constexpr int32_t count = 2000;
+    Rows rows(1);
+    std::vector<std::string> expected;
+    for (int32_t number = 0; number < count; ++number) {
+        std::string text = "row" + std::to_string((number * 7919) % count);
+        auto at = std::upper_bound(expected.begin(), expected.end(), text);
+        int32_t place = rows->InsertSorted(text, static_cast<uint32_t>(number));
+        ASSERT_EQ(place, at - expected.begin()) << text;
+        expected.insert(at, text);
+        ASSERT_STREQ(rows->Get(place)->GetText(0), text.c_str());
+    }
+    EXPECT_EQ(rows.FirstTexts(), expected);
+
+    GtkTreeIter iter;
+    int32_t walked = 0;
+    for (gboolean more = gtk_tree_model_get_iter_first(rows.model, &iter); more;
+         more = gtk_tree_model_iter_next(rows.model, &iter), ++walked) {
+        ASSERT_EQ(ListRows::At(&iter).GetText(0), expected[static_cast<size_t>(walked)]);
+        GtkTreePath* path = gtk_tree_model_get_path(rows.model, &iter);
+        ASSERT_EQ(gtk_tree_path_get_indices(path)[0], walked);
+        gtk_tree_path_free(path);
+    }
+    EXPECT_EQ(walked, count);
+    ASSERT_TRUE(gtk_tree_model_iter_nth_child(rows.model, &iter, nullptr, count - 1));
+    ASSERT_TRUE(gtk_tree_model_iter_previous(rows.model, &iter));
+    EXPECT_EQ(ListRows::At(&iter).GetText(0), expected[count - 2]);
+
+    for (int32_t place = count - 1; place >= 0; place -= 3) {
+        ASSERT_TRUE(rows->Remove(place));
+        expected.erase(expected.begin() + place);
+    }
+    EXPECT_EQ(rows.FirstTexts(), expected);
+    std::vector<int32_t> reversed(expected.size());
+    for (size_t place = 0; place < reversed.size(); ++place) {
+        reversed[place] = static_cast<int32_t>(reversed.size() - 1 - place);
+    }
+    rows->Reorder(reversed);
+    std::reverse(expected.begin(), expected.end());
+    EXPECT_EQ(rows.FirstTexts(), expected);
+    EXPECT_EQ(rows->Insert(1000, "middle", 0), 1000);
+    EXPECT_STREQ(rows->Get(1000)->GetText(0), "middle");
+    EXPECT_EQ(rows->Get(1001)->GetText(0), expected[1000]);
 }
 
 TEST(ListRows, RowsGoWhereTheyAreToldOrBehindTheLast) {
