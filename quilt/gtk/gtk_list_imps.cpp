@@ -93,8 +93,7 @@ GtkWidget* Gtk_ListBoxImp::GetView() const {
 }
 
 ListRows* Gtk_ListBoxImp::GetRows() const {
-    GtkWidget* view = GetView();
-    return view != nullptr ? GetListRows(view) : nullptr;
+    return boundRows;
 }
 
 ListRow* Gtk_ListBoxImp::GetRow(int32_t row) const {
@@ -423,7 +422,11 @@ void Gtk_ListBoxImp::UnlockUpdates() {
 
 bool Gtk_ListBoxImp::Attach(GtkWidget* native) {
     GtkNative* record = FindNative(native);
-    return record != nullptr && GTK_IS_TREE_VIEW(record->inner) && Gtk_WindowImp::Attach(native);
+    if (record == nullptr || !GTK_IS_TREE_VIEW(record->inner) || !Gtk_WindowImp::Attach(native)) {
+        return false;
+    }
+    boundRows = GetListRows(record->inner);
+    return true;
 }
 
 void Gtk_ListBoxImp::Unbind() {
@@ -431,6 +434,7 @@ void Gtk_ListBoxImp::Unbind() {
         lockDepth = 0;
         ShowRows();
     }
+    boundRows = nullptr;
     Gtk_WindowImp::Unbind();
 }
 

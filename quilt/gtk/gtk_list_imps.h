@@ -72,6 +72,8 @@ private:
     // Selection lives in the view: a view without its rows takes them back first.
     void ShowRows();
 
+    // The view's rows while bound, looked up once: every call reads them.
+    ListRows* boundRows = nullptr;
     int32_t lockDepth = 0;
 };
 
