@@ -30,16 +30,6 @@ void GiveRow(int32_t* out, int32_t row) {
     }
 }
 
-int32_t CompareFolded(const char* left, const char* right) {
-    for (;; ++left, ++right) {
-        auto foldedLeft = static_cast<unsigned char>(loam::FoldToLower(*left));
-        auto foldedRight = static_cast<unsigned char>(loam::FoldToLower(*right));
-        if (foldedLeft != foldedRight || foldedLeft == 0) {
-            return foldedLeft - foldedRight;
-        }
-    }
-}
-
 // Measures texts as the view draws them, with one layout for them all.
 class TextMeasure {
 public:

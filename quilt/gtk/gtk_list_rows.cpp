@@ -10,16 +10,6 @@ namespace {
 
 constexpr char typeName[] = "QuiltListRows";
 
-int32_t CompareFolded(const char* left, const char* right) {
-    for (;; ++left, ++right) {
-        auto foldedLeft = static_cast<unsigned char>(loam::FoldToLower(*left));
-        auto foldedRight = static_cast<unsigned char>(loam::FoldToLower(*right));
-        if (foldedLeft != foldedRight || foldedLeft == 0) {
-            return foldedLeft - foldedRight;
-        }
-    }
-}
-
 // A block that grows beyond this many rows is split in two; a reorder fills blocks to half of it.
 constexpr size_t blockRows = 512;
 
@@ -36,6 +26,16 @@ std::string ToCss(const Colour& colour) {
 }
 
 } // namespace
+
+int32_t CompareFolded(const char* left, const char* right) {
+    for (;; ++left, ++right) {
+        auto foldedLeft = static_cast<unsigned char>(loam::FoldToLower(*left));
+        auto foldedRight = static_cast<unsigned char>(loam::FoldToLower(*right));
+        if (foldedLeft != foldedRight || foldedLeft == 0) {
+            return foldedLeft - foldedRight;
+        }
+    }
+}
 
 // The GObject that stands for the rows to GTK.
 struct ListRowsModel {

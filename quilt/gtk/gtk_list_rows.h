@@ -22,6 +22,9 @@ enum ListRowColumn : int32_t {
     ListRowFirstText,
 };
 
+// The order of a sorted list: bytes compared with ASCII letters folded to lower case.
+int32_t CompareFolded(const char* left, const char* right);
+
 // One row of a list view. Its texts sit in one buffer, each ended by a NUL, so that a row of
 // several columns costs one allocation.
 struct ListRow {
