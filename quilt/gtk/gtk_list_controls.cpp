@@ -1,17 +1,16 @@
 #include "quilt/gtk/gtk_list_controls.h"
 
 #include "quilt/dialog_template.h"
+#include "quilt/gtk/gtk_list_view.h"
 #include "quilt/gtk/gtk_window_imp.h"
 
-#include <algorithm>
 #include <string>
-#include <vector>
 
 namespace quilt {
 
 namespace {
 
-constexpr char storeKey[] = "quilt-list-store";
+constexpr char rowsKey[] = "quilt-list-rows";
 constexpr char columnKey[] = "quilt-list-column";
 constexpr char checkRendererKey[] = "quilt-check-renderer";
 constexpr char placeholderName[] = "Call SetNumberOfColumns() and SetColumnName()! :-)";
@@ -32,24 +31,34 @@ void Notify(GtkWidget* widget, ControlEvent event, uint32_t detail = 0) {
     }
 }
 
-GtkListStore* NewStore(int32_t textColumns) {
-    std::vector<GType> types{G_TYPE_UINT, G_TYPE_STRING, G_TYPE_BOOLEAN};
-    types.resize(static_cast<size_t>(ListStoreFirstText + textColumns), G_TYPE_STRING);
-    return gtk_list_store_newv(static_cast<gint>(types.size()), types.data());
+// The rows are looked up on every call of the list's Imp: by their quark, not by their name.
+GQuark RowsQuark() {
+    static const GQuark quark = g_quark_from_static_string(rowsKey);
+    return quark;
+}
+
+GtkTreeModel* GetModel(GtkWidget* view) {
+    return static_cast<GtkTreeModel*>(g_object_get_qdata(G_OBJECT(view), RowsQuark()));
+}
+
+// The program's own change of the model tells nobody.
+void ShowModel(GtkWidget* view, bool shown) {
+    GtkNative* native = FindNativeAbove(view);
+    bool wasQuiet = native->quiet;
+    native->quiet = true;
+    SetListViewModel(view, shown ? GetModel(view) : nullptr);
+    GetListRows(view)->SetShown(shown);
+    native->quiet = wasQuiet;
 }
 
 // Only the rows on the screen are drawn, so a name's display form is made for those alone.
-void ShowCellText(GtkTreeViewColumn*, GtkCellRenderer* renderer, GtkTreeModel* model,
-                  GtkTreeIter* iter, gpointer column) {
-    gchar* text = nullptr;
-    gchar* colour = nullptr;
-    gtk_tree_model_get(model, iter, ListStoreFirstText + GPOINTER_TO_INT(column), &text,
-                       ListStoreColour, &colour, -1);
-    std::string shown = ToDisplayText(text != nullptr ? text : "");
-    g_object_set(renderer, "text", shown.c_str(), "foreground", colour, "foreground-set",
-                 colour != nullptr, nullptr);
-    g_free(text);
-    g_free(colour);
+void ShowCellText(GtkTreeViewColumn*, GtkCellRenderer* renderer, GtkTreeModel*, GtkTreeIter* iter,
+                  gpointer column) {
+    const ListRow& row = ListRows::At(iter);
+    std::string shown = ToDisplayText(row.GetText(GPOINTER_TO_INT(column)));
+    GdkRGBA colour{row.colour.red / 255.0, row.colour.green / 255.0, row.colour.blue / 255.0, 1};
+    g_object_set(renderer, "text", shown.c_str(), "foreground-rgba",
+                 row.hasColour ? &colour : nullptr, nullptr);
 }
 
 void OnColumnClicked(GtkTreeViewColumn* column, gpointer view) {
@@ -82,22 +91,6 @@ void OnSelectionChanged(GtkTreeSelection* selection, gpointer) {
 void OnRowActivated(GtkTreeView* view, GtkTreePath* path, GtkTreeViewColumn*, gpointer) {
     Notify(GTK_WIDGET(view), ControlEvent::ItemActivated,
            AsDetail(gtk_tree_path_get_indices(path)[0]));
-}
-
-void CopyRows(GtkListStore* from, GtkListStore* to, int32_t textColumns) {
-    GtkTreeModel* model = GTK_TREE_MODEL(from);
-    GtkTreeIter source;
-    for (gboolean more = gtk_tree_model_get_iter_first(model, &source); more;
-         more = gtk_tree_model_iter_next(model, &source)) {
-        GtkTreeIter target;
-        gtk_list_store_append(to, &target);
-        for (int32_t column = 0; column < ListStoreFirstText + textColumns; ++column) {
-            GValue value = G_VALUE_INIT;
-            gtk_tree_model_get_value(model, &source, column, &value);
-            gtk_list_store_set_value(to, &target, column, &value);
-            g_value_unset(&value);
-        }
-    }
 }
 
 // The field's text is the list's, for the dialog it sits in.
@@ -147,9 +140,10 @@ void ConnectArrow(GtkWidget* child, gpointer combo) {
 } // namespace
 
 GtkWidget* MakeListView(GtkNative& native, uint32_t style, const char*) {
-    GtkListStore* store = NewStore(1);
-    GtkWidget* view = gtk_tree_view_new_with_model(GTK_TREE_MODEL(store));
-    g_object_set_data_full(G_OBJECT(view), storeKey, store, g_object_unref);
+    GtkTreeModel* rows = ListRows::NewModel(1);
+    GtkWidget* view = NewListView(rows);
+    g_object_set_qdata_full(G_OBJECT(view), RowsQuark(), rows, g_object_unref);
+    ListRows::Of(rows)->SetShown(true);
     bool report = (style & StyleReportView) != 0;
     NewViewColumn(view, 0, report ? placeholderName : "", report ? placeholderWidth : 1);
     gtk_tree_view_set_headers_visible(GTK_TREE_VIEW(view), report);
@@ -190,9 +184,8 @@ GtkWidget* MakeDropDownList(GtkNative& native, uint32_t, const char* text) {
     return combo;
 }
 
-GtkListStore* GetListStore(GtkWidget* view) {
-    return view != nullptr ? static_cast<GtkListStore*>(g_object_get_data(G_OBJECT(view), storeKey))
-                           : nullptr;
+ListRows* GetListRows(GtkWidget* view) {
+    return ListRows::Of(GetModel(view));
 }
 
 int32_t GetListColumnCount(GtkWidget* view) {
@@ -204,15 +197,11 @@ void SetListColumnCount(GtkWidget* view, int32_t count) {
     if (count < 1 || count == present) {
         return;
     }
-    GtkListStore* old = GetListStore(view);
-    GtkListStore* store = NewStore(count);
-    CopyRows(old, store, std::min(count, present));
-    bool attached = IsListStoreAttached(view);
-    GtkNative* native = FindNativeAbove(view);
-    bool wasQuiet = native->quiet;
-    native->quiet = true;
-    gtk_tree_view_set_model(GTK_TREE_VIEW(view), nullptr);
-    g_object_set_data_full(G_OBJECT(view), storeKey, store, g_object_unref);
+    bool attached = IsListRowsAttached(view);
+    if (attached) {
+        ShowModel(view, false);
+    }
+    GetListRows(view)->SetColumnCount(count);
     for (int32_t index = present - 1; index >= count; --index) {
         gtk_tree_view_remove_column(GTK_TREE_VIEW(view),
                                     gtk_tree_view_get_column(GTK_TREE_VIEW(view), index));
@@ -221,28 +210,19 @@ void SetListColumnCount(GtkWidget* view, int32_t count) {
         NewViewColumn(view, index, "", ListColumnWidth);
     }
     if (attached) {
-        gtk_tree_view_set_model(GTK_TREE_VIEW(view), GTK_TREE_MODEL(store));
+        ShowModel(view, true);
     }
-    native->quiet = wasQuiet;
 }
 
-void DetachListStore(GtkWidget* view) {
-    GtkNative* native = FindNativeAbove(view);
-    bool wasQuiet = native->quiet;
-    native->quiet = true;
-    gtk_tree_view_set_model(GTK_TREE_VIEW(view), nullptr);
-    native->quiet = wasQuiet;
+void DetachListRows(GtkWidget* view) {
+    ShowModel(view, false);
 }
 
-void AttachListStore(GtkWidget* view) {
-    GtkNative* native = FindNativeAbove(view);
-    bool wasQuiet = native->quiet;
-    native->quiet = true;
-    gtk_tree_view_set_model(GTK_TREE_VIEW(view), GTK_TREE_MODEL(GetListStore(view)));
-    native->quiet = wasQuiet;
+void AttachListRows(GtkWidget* view) {
+    ShowModel(view, true);
 }
 
-bool IsListStoreAttached(GtkWidget* view) {
+bool IsListRowsAttached(GtkWidget* view) {
     return gtk_tree_view_get_model(GTK_TREE_VIEW(view)) != nullptr;
 }
 
@@ -256,7 +236,7 @@ void ShowListCheckBoxes(GtkWidget* view, bool show) {
         check = gtk_cell_renderer_toggle_new();
         gtk_tree_view_column_pack_start(first, check, FALSE);
         gtk_cell_layout_reorder(GTK_CELL_LAYOUT(first), check, 0);
-        gtk_tree_view_column_add_attribute(first, check, "active", ListStoreChecked);
+        gtk_tree_view_column_add_attribute(first, check, "active", ListRowChecked);
         g_object_set_data(G_OBJECT(view), checkRendererKey, check);
     }
     if (check != nullptr) {

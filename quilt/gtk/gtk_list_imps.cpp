@@ -8,6 +8,8 @@
 #include <cstring>
 #include <numeric>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace quilt {
 
@@ -21,8 +23,6 @@ constexpr size_t fittedTexts = 48;
 constexpr int32_t cellMargin = 12;
 // Room beside a heading: the button's padding and the sort arrow.
 constexpr int32_t headingMargin = 28;
-// A store this small is walked to a row rather than indexed whole.
-constexpr int32_t indexedRows = 64;
 
 void GiveRow(int32_t* out, int32_t row) {
     if (out != nullptr) {
@@ -30,39 +30,24 @@ void GiveRow(int32_t* out, int32_t row) {
     }
 }
 
-int32_t CompareFolded(const char* left, const char* right) {
-    for (;; ++left, ++right) {
-        auto foldedLeft = static_cast<unsigned char>(loam::FoldToLower(*left));
-        auto foldedRight = static_cast<unsigned char>(loam::FoldToLower(*right));
-        if (foldedLeft != foldedRight || foldedLeft == 0) {
-            return foldedLeft - foldedRight;
-        }
+// Measures texts as the view draws them, with one layout for them all.
+class TextMeasure {
+public:
+    explicit TextMeasure(GtkWidget* view) : layout(gtk_widget_create_pango_layout(view, nullptr)) {}
+    TextMeasure(const TextMeasure&) = delete;
+    TextMeasure& operator=(const TextMeasure&) = delete;
+    ~TextMeasure() { g_object_unref(layout); }
+
+    int32_t GetWidth(std::string_view text) {
+        pango_layout_set_text(layout, ToDisplayText(std::string(text).c_str()).c_str(), -1);
+        int32_t width = 0;
+        pango_layout_get_pixel_size(layout, &width, nullptr);
+        return width;
     }
-}
 
-// Orders a text of the list against a new one, `newText`, which goes behind every text that is
-// equal to it without regard to case: the two are never equal.
-gint CompareWithNewText(gconstpointer a, gconstpointer b, gpointer newText) {
-    if (b == newText) {
-        return CompareFolded(static_cast<const char*>(a), static_cast<const char*>(b)) <= 0 ? -1
-                                                                                            : 1;
-    }
-    return CompareFolded(static_cast<const char*>(a), static_cast<const char*>(b)) < 0 ? -1 : 1;
-}
-
-std::string ToCss(const Colour& colour) {
-    char text[8];
-    g_snprintf(text, sizeof text, "#%02x%02x%02x", colour.red, colour.green, colour.blue);
-    return text;
-}
-
-int32_t MeasureText(GtkWidget* view, const char* text) {
-    PangoLayout* layout = gtk_widget_create_pango_layout(view, ToDisplayText(text).c_str());
-    int32_t width = 0;
-    pango_layout_get_pixel_size(layout, &width, nullptr);
-    g_object_unref(layout);
-    return width;
-}
+private:
+    PangoLayout* layout;
+};
 
 // Quiet while the program changes a control itself.
 class QuietChange {
@@ -97,8 +82,13 @@ GtkWidget* Gtk_ListBoxImp::GetView() const {
     return native != nullptr && GTK_IS_TREE_VIEW(native->inner) ? native->inner : nullptr;
 }
 
-GtkListStore* Gtk_ListBoxImp::GetStore() const {
-    return GetListStore(GetView());
+ListRows* Gtk_ListBoxImp::GetRows() const {
+    return boundRows;
+}
+
+ListRow* Gtk_ListBoxImp::GetRow(int32_t row) const {
+    ListRows* rows = GetRows();
+    return rows != nullptr ? rows->Get(row) : nullptr;
 }
 
 GtkTreeViewColumn* Gtk_ListBoxImp::GetColumn(int32_t column) const {
@@ -107,69 +97,10 @@ GtkTreeViewColumn* Gtk_ListBoxImp::GetColumn(int32_t column) const {
                                           : nullptr;
 }
 
-void Gtk_ListBoxImp::ForgetRows() {
-    rowIters.clear();
-    lastRow = -1;
-}
-
-void Gtk_ListBoxImp::Flush() {
-    GtkListStore* store = GetStore();
-    if (waiting.place < 0 || store == nullptr) {
-        waiting.place = -1;
-        return;
-    }
-    std::vector<gint> columns{ListStoreData};
-    std::vector<GValue> values(1 + waiting.texts.size(), G_VALUE_INIT);
-    g_value_init(&values[0], G_TYPE_UINT);
-    g_value_set_uint(&values[0], waiting.data);
-    for (size_t column = 0; column < waiting.texts.size(); ++column) {
-        columns.push_back(ListStoreFirstText + static_cast<gint>(column));
-        g_value_init(&values[column + 1], G_TYPE_STRING);
-        g_value_set_static_string(&values[column + 1], waiting.texts[column].GetCString());
-    }
-    ForgetRows();
-    gtk_list_store_insert_with_valuesv(store, &lastIter, waiting.place, columns.data(),
-                                       values.data(), static_cast<gint>(columns.size()));
-    for (GValue& value : values) {
-        g_value_unset(&value);
-    }
-    lastRow = waiting.place;
-    waiting.place = -1;
-    waiting.texts.clear();
-}
-
-bool Gtk_ListBoxImp::GetIter(int32_t row, GtkTreeIter& iter) {
-    Flush();
-    int32_t count = GetCount();
-    if (row < 0 || row >= count) {
-        return false;
-    }
-    if (row == lastRow) {
-        iter = lastIter;
-        return true;
-    }
-    auto* model = GTK_TREE_MODEL(GetStore());
-    if (count < indexedRows) {
-        return gtk_tree_model_iter_nth_child(model, &iter, nullptr, row) != FALSE;
-    }
-    if (rowIters.size() != static_cast<size_t>(count)) {
-        rowIters.resize(static_cast<size_t>(count));
-        GtkTreeIter walk;
-        gtk_tree_model_get_iter_first(model, &walk);
-        for (GtkTreeIter& entry : rowIters) {
-            entry = walk;
-            gtk_tree_model_iter_next(model, &walk);
-        }
-    }
-    iter = rowIters[static_cast<size_t>(row)];
-    return true;
-}
-
-void Gtk_ListBoxImp::ShowStore() {
-    Flush();
+void Gtk_ListBoxImp::ShowRows() {
     GtkWidget* view = GetView();
-    if (view != nullptr && !IsListStoreAttached(view)) {
-        AttachListStore(view);
+    if (view != nullptr && !IsListRowsAttached(view)) {
+        AttachListRows(view);
     }
 }
 
@@ -178,65 +109,30 @@ void Gtk_ListBoxImp::Clear() {
     if (view == nullptr) {
         return;
     }
-    waiting = WaitingRow{};
-    // A view that watches its store would hear of every row going, one at a time.
-    bool attached = IsListStoreAttached(view);
+    // A view that watches its rows would hear of every row going, one at a time.
+    bool attached = IsListRowsAttached(view);
     if (attached) {
-        DetachListStore(view);
+        DetachListRows(view);
     }
-    gtk_list_store_clear(GetStore());
+    GetRows()->Clear();
     if (attached) {
-        AttachListStore(view);
-    }
-    ForgetRows();
-    if (sortedTexts != nullptr) {
-        g_sequence_free(sortedTexts);
-        sortedTexts = nullptr;
+        AttachListRows(view);
     }
 }
 
 int32_t Gtk_ListBoxImp::GetCount() {
-    GtkListStore* store = GetStore();
-    int32_t stored =
-        store != nullptr ? gtk_tree_model_iter_n_children(GTK_TREE_MODEL(store), nullptr) : 0;
-    return waiting.place >= 0 ? stored + 1 : stored;
-}
-
-int32_t Gtk_ListBoxImp::FindSortedPlace(const char* text) {
-    if (sortedTexts == nullptr) {
-        sortedTexts = g_sequence_new(g_free);
-        GtkTreeIter iter;
-        for (int32_t row = 0; GetIter(row, iter); ++row) {
-            gchar* first = nullptr;
-            gtk_tree_model_get(GTK_TREE_MODEL(GetStore()), &iter, ListStoreFirstText, &first, -1);
-            g_sequence_append(sortedTexts, first != nullptr ? first : g_strdup(""));
-        }
-    }
-    GSequenceIter* place = g_sequence_search(sortedTexts, const_cast<char*>(text),
-                                             CompareWithNewText, const_cast<char*>(text));
-    int32_t position = g_sequence_iter_get_position(place);
-    g_sequence_insert_before(place, g_strdup(text));
-    return position;
+    ListRows* rows = GetRows();
+    return rows != nullptr ? rows->GetCount() : 0;
 }
 
 bool Gtk_ListBoxImp::Insert(int32_t at, const loam::String& text, int32_t* row, uint32_t data) {
-    GtkListStore* store = GetStore();
-    GtkNative* native = GetNative();
-    if (store == nullptr) {
+    ListRows* rows = GetRows();
+    if (rows == nullptr) {
         return false;
     }
-    Flush();
-    int32_t count = GetCount();
-    int32_t place = count;
-    if ((native->style & StyleSortAscending) != 0) {
-        place = FindSortedPlace(text.GetCString());
-    } else if (at >= 0 && at < count) {
-        place = at;
-    }
-    waiting.place = place;
-    waiting.data = data;
-    waiting.texts.assign(1, text);
-    GiveRow(row, place);
+    bool sorted = (GetNative()->style & StyleSortAscending) != 0;
+    GiveRow(row, sorted ? rows->InsertSorted(text.GetCString(), data)
+                        : rows->Insert(at, text.GetCString(), data));
     return true;
 }
 
@@ -255,96 +151,63 @@ bool Gtk_ListBoxImp::InsertBefore(int32_t before, const loam::String& text, int3
 }
 
 bool Gtk_ListBoxImp::RemoveItem(int32_t row) {
-    GtkTreeIter iter;
-    if (!GetIter(row, iter)) {
-        return false;
-    }
-    gtk_list_store_remove(GetStore(), &iter);
-    ForgetRows();
-    if (sortedTexts != nullptr) {
-        g_sequence_remove(g_sequence_get_iter_at_pos(sortedTexts, row));
-    }
-    return true;
+    ListRows* rows = GetRows();
+    return rows != nullptr && rows->Remove(row);
 }
 
 bool Gtk_ListBoxImp::SetItemText(int32_t row, const loam::String& text, int32_t column) {
-    if (column < 0 || column >= GetNumberOfColumns()) {
+    ListRows* rows = GetRows();
+    ListRow* entry = rows != nullptr ? rows->Get(row) : nullptr;
+    if (entry == nullptr || column < 0 || column >= rows->GetColumnCount()) {
         return false;
     }
-    if (IsWaiting(row) && column > 0) {
-        waiting.texts.resize(std::max(waiting.texts.size(), static_cast<size_t>(column) + 1));
-        waiting.texts[static_cast<size_t>(column)] = text;
-        return true;
-    }
-    GtkTreeIter iter;
-    if (!GetIter(row, iter)) {
-        return false;
-    }
-    gtk_list_store_set(GetStore(), &iter, ListStoreFirstText + column, text.GetCString(), -1);
-    if (column == 0 && sortedTexts != nullptr) {
-        g_sequence_free(sortedTexts);
-        sortedTexts = nullptr;
-    }
+    entry->SetText(column, text.GetCString());
+    rows->Changed(row);
     return true;
 }
 
 bool Gtk_ListBoxImp::SetItemData(int32_t row, uint32_t data) {
-    if (IsWaiting(row)) {
-        waiting.data = data;
-        return true;
-    }
-    GtkTreeIter iter;
-    if (!GetIter(row, iter)) {
+    ListRow* entry = GetRow(row);
+    if (entry == nullptr) {
         return false;
     }
-    gtk_list_store_set(GetStore(), &iter, ListStoreData, data, -1);
+    entry->data = data;
     return true;
 }
 
 // A column the list does not have reads as empty.
 bool Gtk_ListBoxImp::GetItemText(int32_t row, loam::String& text, int32_t column) {
-    GtkTreeIter iter;
-    if (!GetIter(row, iter)) {
+    ListRows* rows = GetRows();
+    ListRow* entry = rows != nullptr ? rows->Get(row) : nullptr;
+    if (entry == nullptr) {
         return false;
     }
-    text = "";
-    if (column < 0 || column >= GetNumberOfColumns()) {
-        return true;
-    }
-    gchar* cell = nullptr;
-    gtk_tree_model_get(GTK_TREE_MODEL(GetStore()), &iter, ListStoreFirstText + column, &cell, -1);
-    if (cell != nullptr) {
-        text = cell;
-        g_free(cell);
-    }
+    text = column >= 0 && column < rows->GetColumnCount() ? entry->GetText(column) : "";
     return true;
 }
 
 bool Gtk_ListBoxImp::GetItemData(int32_t row, uint32_t& data) {
-    GtkTreeIter iter;
-    if (!GetIter(row, iter)) {
+    ListRow* entry = GetRow(row);
+    if (entry == nullptr) {
         return false;
     }
-    guint word = 0;
-    gtk_tree_model_get(GTK_TREE_MODEL(GetStore()), &iter, ListStoreData, &word, -1);
-    data = word;
+    data = entry->data;
     return true;
 }
 
 bool Gtk_ListBoxImp::SelectItem(int32_t row) {
     GtkWidget* view = GetView();
-    GtkTreeIter iter;
-    if (view == nullptr || (row != -1 && !GetIter(row, iter))) {
+    if (view == nullptr || (row != -1 && GetRow(row) == nullptr)) {
         return false;
     }
-    ShowStore();
+    ShowRows();
     GtkTreeSelection* selection = gtk_tree_view_get_selection(GTK_TREE_VIEW(view));
     gtk_tree_selection_unselect_all(selection);
     if (row == -1) {
         return true;
     }
-    gtk_tree_selection_select_iter(selection, &iter);
     GtkTreePath* path = gtk_tree_path_new_from_indices(row, -1);
+    gtk_tree_selection_select_path(selection, path);
     gtk_tree_view_scroll_to_cell(GTK_TREE_VIEW(view), path, nullptr, FALSE, 0, 0);
     gtk_tree_path_free(path);
     return true;
@@ -363,13 +226,12 @@ bool Gtk_ListBoxImp::GetSelection(int32_t& row) {
 }
 
 int32_t Gtk_ListBoxImp::FindItem(const loam::String& text) {
-    GtkTreeIter iter;
-    for (int32_t row = 0; GetIter(row, iter); ++row) {
-        gchar* first = nullptr;
-        gtk_tree_model_get(GTK_TREE_MODEL(GetStore()), &iter, ListStoreFirstText, &first, -1);
-        bool same = std::strcmp(first != nullptr ? first : "", text.GetCString()) == 0;
-        g_free(first);
-        if (same) {
+    ListRows* rows = GetRows();
+    if (rows == nullptr) {
+        return -1;
+    }
+    for (int32_t row = 0; row < rows->GetCount(); ++row) {
+        if (std::strcmp(rows->Get(row)->GetText(0), text.GetCString()) == 0) {
             return row;
         }
     }
@@ -380,36 +242,24 @@ void Gtk_ListBoxImp::DisableSorting() {
     if (GtkNative* native = GetNative()) {
         native->style &= ~uint32_t{StyleSortAscending};
     }
-    if (sortedTexts != nullptr) {
-        g_sequence_free(sortedTexts);
-        sortedTexts = nullptr;
-    }
 }
 
-// The order is found first, with the rows in place, and then the store moves them at once.
+// The order is found first, with the rows in place, and then the rows move at once.
 void Gtk_ListBoxImp::SortRows(const std::function<int32_t(int32_t, int32_t)>& compare) {
-    int32_t count = GetCount();
-    GtkTreeIter iter;
-    if (count < 2 || !GetIter(count - 1, iter)) {
+    ListRows* rows = GetRows();
+    if (rows == nullptr || rows->GetCount() < 2) {
         return;
     }
-    std::vector<gint> order(static_cast<size_t>(count));
+    std::vector<int32_t> order(static_cast<size_t>(rows->GetCount()));
     std::iota(order.begin(), order.end(), 0);
     std::stable_sort(order.begin(), order.end(),
-                     [&compare](gint a, gint b) { return compare(a, b) < 0; });
-    gtk_list_store_reorder(GetStore(), order.data());
-    ForgetRows();
-    if (sortedTexts != nullptr) {
-        g_sequence_free(sortedTexts);
-        sortedTexts = nullptr;
-    }
+                     [&compare](int32_t a, int32_t b) { return compare(a, b) < 0; });
+    rows->Reorder(order);
 }
 
 void Gtk_ListBoxImp::SetNumberOfColumns(int32_t count) {
-    Flush();
     if (GtkWidget* view = GetView()) {
         SetListColumnCount(view, count);
-        ForgetRows();
     }
 }
 
@@ -447,29 +297,26 @@ void Gtk_ListBoxImp::FitColumn(int32_t column) {
     if (entry == nullptr) {
         return;
     }
-    std::vector<std::string> texts;
-    GtkTreeIter iter;
-    for (int32_t row = 0; GetIter(row, iter); ++row) {
-        gchar* cell = nullptr;
-        gtk_tree_model_get(GTK_TREE_MODEL(GetStore()), &iter, ListStoreFirstText + column, &cell,
-                           -1);
-        texts.emplace_back(cell != nullptr ? cell : "");
-        g_free(cell);
+    std::vector<std::string_view> texts;
+    texts.reserve(static_cast<size_t>(GetCount()));
+    for (const std::unique_ptr<ListRow>& row : GetRows()->GetRowsInAnyOrder()) {
+        texts.emplace_back(row->GetText(column));
     }
-    auto longerFirst = [](const std::string& a, const std::string& b) {
-        return a.size() > b.size();
+    auto longerFirst = [](std::string_view a, std::string_view b) {
+        return a.size() != b.size() ? a.size() > b.size() : a < b;
     };
-    size_t measured = std::min(texts.size(), fittedTexts);
-    std::partial_sort(texts.begin(), texts.begin() + static_cast<std::ptrdiff_t>(measured),
-                      texts.end(), longerFirst);
+    auto measured = static_cast<std::ptrdiff_t>(std::min(texts.size(), fittedTexts));
+    std::partial_sort(texts.begin(), texts.begin() + measured, texts.end(), longerFirst);
+    texts.erase(std::unique(texts.begin(), texts.begin() + measured), texts.end());
+    TextMeasure measure(GetView());
     int32_t width = 0;
-    for (size_t index = 0; index < measured; ++index) {
-        width = std::max(width, MeasureText(GetView(), texts[index].c_str()) + cellMargin);
+    for (std::string_view text : texts) {
+        width = std::max(width, measure.GetWidth(text) + cellMargin);
     }
     if (column + 1 < GetNumberOfColumns()) {
         const char* heading = gtk_tree_view_column_get_title(entry);
-        width = std::max(width,
-                         MeasureText(GetView(), heading != nullptr ? heading : "") + headingMargin);
+        width =
+            std::max(width, measure.GetWidth(heading != nullptr ? heading : "") + headingMargin);
     }
     SetColumnWidth(column, width);
 }
@@ -491,7 +338,7 @@ int32_t Gtk_ListBoxImp::GetSelectionCount() {
     if (view == nullptr) {
         return 0;
     }
-    ShowStore();
+    ShowRows();
     return gtk_tree_selection_count_selected_rows(gtk_tree_view_get_selection(GTK_TREE_VIEW(view)));
 }
 
@@ -502,7 +349,7 @@ bool Gtk_ListBoxImp::GetSelectionList(int32_t*& rows, int32_t& count) {
     if (view == nullptr) {
         return false;
     }
-    ShowStore();
+    ShowRows();
     GList* paths = gtk_tree_selection_get_selected_rows(
         gtk_tree_view_get_selection(GTK_TREE_VIEW(view)), nullptr);
     count = static_cast<int32_t>(g_list_length(paths));
@@ -516,16 +363,17 @@ bool Gtk_ListBoxImp::GetSelectionList(int32_t*& rows, int32_t& count) {
 }
 
 void Gtk_ListBoxImp::SetItemColour(int32_t row, const Colour& colour) {
-    GtkTreeIter iter;
-    if (GetIter(row, iter)) {
-        gtk_list_store_set(GetStore(), &iter, ListStoreColour, ToCss(colour).c_str(), -1);
+    if (ListRow* entry = GetRow(row)) {
+        entry->hasColour = true;
+        entry->colour = colour;
+        GetRows()->Changed(row);
     }
 }
 
 void Gtk_ListBoxImp::ClearItemColour(int32_t row) {
-    GtkTreeIter iter;
-    if (GetIter(row, iter)) {
-        gtk_list_store_set(GetStore(), &iter, ListStoreColour, nullptr, -1);
+    if (ListRow* entry = GetRow(row)) {
+        entry->hasColour = false;
+        GetRows()->Changed(row);
     }
 }
 
@@ -536,25 +384,21 @@ void Gtk_ListBoxImp::EnableCheckBoxes(bool enable) {
 }
 
 void Gtk_ListBoxImp::SetItemChecked(int32_t row, bool checked) {
-    GtkTreeIter iter;
-    if (GetIter(row, iter)) {
-        gtk_list_store_set(GetStore(), &iter, ListStoreChecked, checked, -1);
+    if (ListRow* entry = GetRow(row)) {
+        entry->checked = checked;
+        GetRows()->Changed(row);
     }
 }
 
 bool Gtk_ListBoxImp::IsItemChecked(int32_t row) {
-    GtkTreeIter iter;
-    gboolean checked = FALSE;
-    if (GetIter(row, iter)) {
-        gtk_tree_model_get(GTK_TREE_MODEL(GetStore()), &iter, ListStoreChecked, &checked, -1);
-    }
-    return checked != FALSE;
+    ListRow* entry = GetRow(row);
+    return entry != nullptr && entry->checked;
 }
 
 void Gtk_ListBoxImp::LockUpdates() {
     GtkWidget* view = GetView();
-    if (view != nullptr && lockDepth++ == 0 && IsListStoreAttached(view)) {
-        DetachListStore(view);
+    if (view != nullptr && lockDepth++ == 0 && IsListRowsAttached(view)) {
+        DetachListRows(view);
     }
 }
 
@@ -563,25 +407,24 @@ void Gtk_ListBoxImp::UnlockUpdates() {
     if (view == nullptr || lockDepth == 0 || --lockDepth > 0) {
         return;
     }
-    ShowStore();
+    ShowRows();
 }
 
 bool Gtk_ListBoxImp::Attach(GtkWidget* native) {
     GtkNative* record = FindNative(native);
-    return record != nullptr && GTK_IS_TREE_VIEW(record->inner) && Gtk_WindowImp::Attach(native);
+    if (record == nullptr || !GTK_IS_TREE_VIEW(record->inner) || !Gtk_WindowImp::Attach(native)) {
+        return false;
+    }
+    boundRows = GetListRows(record->inner);
+    return true;
 }
 
 void Gtk_ListBoxImp::Unbind() {
-    Flush();
     if (lockDepth > 0) {
         lockDepth = 0;
-        ShowStore();
+        ShowRows();
     }
-    ForgetRows();
-    if (sortedTexts != nullptr) {
-        g_sequence_free(sortedTexts);
-        sortedTexts = nullptr;
-    }
+    boundRows = nullptr;
     Gtk_WindowImp::Unbind();
 }
 

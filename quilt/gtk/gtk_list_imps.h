@@ -2,6 +2,7 @@
 
 #include "quilt/browse_dialog.h"
 #include "quilt/drop_down_list.h"
+#include "quilt/gtk/gtk_list_rows.h"
 #include "quilt/gtk/gtk_window_imp.h"
 #include "quilt/list_box.h"
 
@@ -13,11 +14,8 @@
 
 namespace quilt {
 
-// Binds a list view: a tree view over a list store. A new row waits here while the program
-// writes its cells, and goes into the store whole with the next operation: a fill writes each
-// row several times. Rows are read through iterators kept at hand, since a sort reads rows by
-// the hundred thousand; a store's iterators last as long as their rows. Between LockUpdates and
-// UnlockUpdates the view lets go of its store, so that a fill of many rows costs the store alone.
+// Binds a list view: a tree view over the rows of ListRows. Between LockUpdates and
+// UnlockUpdates the view lets go of its rows, so that a fill of many rows costs the rows alone.
 class Gtk_ListBoxImp : public ListBoxImp, public Gtk_WindowImp {
 public:
     using Gtk_WindowImp::Create;
@@ -66,31 +64,16 @@ public:
 
 private:
     GtkWidget* GetView() const;
-    GtkListStore* GetStore() const;
+    ListRows* GetRows() const;
+    // Null when there is no such row.
+    ListRow* GetRow(int32_t row) const;
     GtkTreeViewColumn* GetColumn(int32_t column) const;
-    // False when there is no such row.
-    bool GetIter(int32_t row, GtkTreeIter& iter);
     bool Insert(int32_t at, const loam::String& text, int32_t* row, uint32_t data);
-    // The waiting row goes into the store.
-    void Flush();
-    bool IsWaiting(int32_t row) const { return waiting.place >= 0 && row == waiting.place; }
-    int32_t FindSortedPlace(const char* text);
-    // Rows were added, removed or moved: the iterators at hand no longer say which row is which.
-    void ForgetRows();
-    // Selection lives in the view: a view without its store takes it back first.
-    void ShowStore();
+    // Selection lives in the view: a view without its rows takes them back first.
+    void ShowRows();
 
-    struct WaitingRow {
-        int32_t place = -1; // none while negative
-        uint32_t data = 0;
-        std::vector<loam::String> texts;
-    };
-    WaitingRow waiting;
-    std::vector<GtkTreeIter> rowIters; // every row's, once asked for, until the rows change
-    int32_t lastRow = -1;              // the row that went in last, and its iterator
-    GtkTreeIter lastIter{};
-    // The first texts in row order, while rows go in by their place in the sorted order.
-    GSequence* sortedTexts = nullptr;
+    // The view's rows while bound, looked up once: every call reads them.
+    ListRows* boundRows = nullptr;
     int32_t lockDepth = 0;
 };
 

@@ -11,6 +11,12 @@ namespace {
 
 constexpr char nativeKey[] = "quilt-native";
 
+// The record is looked up on every call of a control's Imp: by its quark, not by its name.
+GQuark NativeQuark() {
+    static const GQuark quark = g_quark_from_static_string(nativeKey);
+    return quark;
+}
+
 // A run of GDK key values that maps onto a run of key codes.
 struct KeyRun {
     guint firstKeyval;
@@ -127,8 +133,8 @@ bool OpenGtkDisplay() {
 GtkNative& AttachNative(GtkWidget* widget) {
     auto* native = new GtkNative;
     native->inner = widget;
-    g_object_set_data_full(G_OBJECT(widget), nativeKey, native,
-                           [](gpointer data) { delete static_cast<GtkNative*>(data); });
+    g_object_set_qdata_full(G_OBJECT(widget), NativeQuark(), native,
+                            [](gpointer data) { delete static_cast<GtkNative*>(data); });
     return *native;
 }
 
@@ -136,7 +142,7 @@ GtkNative* FindNative(GtkWidget* widget) {
     if (widget == nullptr) {
         return nullptr;
     }
-    return static_cast<GtkNative*>(g_object_get_data(G_OBJECT(widget), nativeKey));
+    return static_cast<GtkNative*>(g_object_get_qdata(G_OBJECT(widget), NativeQuark()));
 }
 
 GtkWidget* FindNativeWidgetAbove(GtkWidget* widget) {
