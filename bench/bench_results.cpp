@@ -4,10 +4,10 @@
 
 #include "bench/index_generator.h"
 #include "index/index_data.h"
-#include "quilt/dialog.h"
 #include "quilt/offscreen/testing/offscreen_driver.h"
 #include "search/index_searcher.h"
 #include "search/search_results_list.h"
+#include "tests/support/results_dialog.h"
 
 #include <benchmark/benchmark.h>
 
@@ -19,33 +19,10 @@ namespace {
 
 constexpr int32_t IndexRecords = 1000000;
 constexpr int32_t ShownResults = 50000;
-constexpr uint16_t ResultsDialogId = 700;
-constexpr int32_t ResultsId = 1034;
+constexpr int32_t ResultsId = results_dialog::ListId;
 
 // Patterns tried in turn at set-up: the first that finds at least 50,000 entries is timed.
 constexpr const char* candidatePatterns[] = {"*.jpg", "*.txt", "*.pdf", "*e*", "*"};
-
-constexpr quilt::DialogControlTemplate controls[] = {
-    {ResultsId,
-     quilt::ControlKind::ListView,
-     "",
-     {7, 43, 292, 69},
-     quilt::StyleReportView | quilt::StyleSingleSelection | quilt::StyleSortAscending},
-};
-
-constexpr quilt::DialogTemplate templates[] = {
-    {ResultsDialogId, "Results", 306, 140, "MS Sans Serif", 8, 0, controls},
-};
-
-class ResultsDialog : public quilt::Dialog {
-public:
-    ResultsDialog() : Dialog({loam::ResourceKindDialog, ResultsDialogId}, nullptr) {}
-    void OnInitDialog() override {
-        Dialog::OnInitDialog();
-        list.BindToControl(this, ResultsId);
-    }
-    SearchResultsList list;
-};
 
 // The generated index, in a folder of its own that goes at exit, and the pattern to time.
 class BenchIndex {
@@ -106,7 +83,7 @@ void SearchAndFill(benchmark::State& state) {
         return;
     }
     quilt::OffscreenDriver driver;
-    quilt::RegisterDialogTemplates(templates);
+    ResultsDialog::Register();
     ResultsDialog dialog;
     dialog.RunModeless(false);
     for (auto _ : state) {
@@ -125,7 +102,7 @@ void SortByHeader(benchmark::State& state) {
         return;
     }
     quilt::OffscreenDriver driver;
-    quilt::RegisterDialogTemplates(templates);
+    ResultsDialog::Register();
     ResultsDialog dialog;
     dialog.RunModeless(false);
     bench.Search(bench.chosen);

@@ -2,10 +2,10 @@
 #include "index/index_image.h"
 #include "loam/format.h"
 #include "loam/scratch_folder.h"
-#include "quilt/dialog.h"
 #include "quilt/offscreen/testing/offscreen_driver.h"
 #include "search/search_outcome.h"
 #include "search/search_results_list.h"
+#include "tests/support/results_dialog.h"
 
 #include <gtest/gtest.h>
 
@@ -17,37 +17,14 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-constexpr uint16_t ResultsDialogId = 630;
-constexpr int32_t ResultsId = 1034;
-
-constexpr quilt::DialogControlTemplate controls[] = {
-    {ResultsId,
-     quilt::ControlKind::ListView,
-     "",
-     {7, 43, 292, 69},
-     quilt::StyleReportView | quilt::StyleSingleSelection | quilt::StyleSortAscending},
-};
-
-constexpr quilt::DialogTemplate templates[] = {
-    {ResultsDialogId, "Results", 306, 140, "MS Sans Serif", 8, 0, controls},
-};
-
-class ResultsDialog : public quilt::Dialog {
-public:
-    ResultsDialog() : Dialog({loam::ResourceKindDialog, ResultsDialogId}, nullptr) {}
-    void OnInitDialog() override {
-        Dialog::OnInitDialog();
-        list.BindToControl(this, ResultsId);
-    }
-    SearchResultsList list;
-};
+constexpr int32_t ResultsId = results_dialog::ListId;
 
 constexpr uint32_t GiB = 1024u * 1024u * 1024u;
 
 class SearchResultsListTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        quilt::RegisterDialogTemplates(templates);
+        ResultsDialog::Register();
         tzset();
         ASSERT_NE(dialog.RunModeless(false), nullptr);
     }
