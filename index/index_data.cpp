@@ -40,7 +40,8 @@ constexpr uint32_t ChunkBytes = 1 << 18;
 constexpr uint32_t RefillBelow = ChunkBytes / 2;
 // One record in so many is a landmark, from which any record is found again by steps forward.
 constexpr uint32_t LandmarkSpacing = 64;
-constexpr size_t CopyBlockBytes = 64 * 1024;
+// What outlives a window is copied into blocks of one huge page each.
+constexpr uint32_t CopyBlockBytes = 2 << 20;
 
 // How far ahead of the pass its memory is asked for: the chain from record to record leaves the
 // processor no room to fetch ahead by itself.
@@ -117,23 +118,34 @@ struct IndexData::ScanState {
     LargeArray<char> image;
     uint32_t size = 0;
     // The piece: chunkBytes bytes from the source's offset chunkOffset.
-    std::unique_ptr<char[]> chunk;
+    LargeArray<char> chunk;
     uint32_t chunkOffset = 0;
     uint32_t chunkBytes = 0;
     // Copies of records, in blocks that never move.
-    std::vector<std::unique_ptr<char[]>> blocks;
+    std::vector<LargeArray<char>> blocks;
     size_t blockUsed = CopyBlockBytes;
     // Whether the matches and their folders are kept, and the ordinals of the window's folders,
     // as the pass notes them.
     bool keepsMatches = true;
     std::unique_ptr<int32_t[]> windowFolders;
     int32_t windowFolderCount = 0;
-    // The folders passed so far, by ordinal, and the offsets of the landmarks.
-    std::vector<uint32_t> folderOrdinals;
-    std::vector<const IndexRecord*> folderCopies;
-    std::vector<uint32_t> landmarks;
+    // The folders passed so far, by ordinal, and the offsets of the landmarks: room for every
+    // record is set aside at the start, and only what is filled is ever touched.
+    LargeArray<uint32_t> folderOrdinals;
+    LargeArray<const IndexRecord*> folderCopies;
+    uint32_t foldersKept = 0;
+    LargeArray<uint32_t> landmarks;
+    uint32_t landmarkCount = 0;
     // Parents that are not folders, which only a damaged but loadable file has, found again.
     std::map<uint32_t, const IndexRecord*> others;
+
+    bool SetAsideFolders(int32_t recordCount) {
+        const auto count = static_cast<uint32_t>(recordCount);
+        folderOrdinals = AllocateHugePageArray<uint32_t>(count);
+        folderCopies = AllocateHugePageArray<const IndexRecord*>(count);
+        landmarks = AllocateHugePageArray<uint32_t>(count / LandmarkSpacing + 1);
+        return folderOrdinals && folderCopies && landmarks;
+    }
 
     bool Read(uint32_t offset, char* into, uint32_t bytes) {
         if (image) {
@@ -146,7 +158,8 @@ struct IndexData::ScanState {
     const IndexRecord* Keep(const IndexRecord* record) {
         const size_t bytes = RecordBytes(record);
         if (blockUsed + bytes > CopyBlockBytes) {
-            blocks.push_back(std::make_unique_for_overwrite<char[]>(CopyBlockBytes));
+            auto block = AllocateHugePageArray<char>(CopyBlockBytes);
+            blocks.push_back(block ? std::move(block) : LargeArray<char>(new char[CopyBlockBytes]));
             blockUsed = 0;
         }
         char* copy = blocks.back().get() + blockUsed;
@@ -248,7 +261,11 @@ bool IndexData::ScanImage(LargeArray<char> bytes, uint32_t imageSize, ScanMatche
 }
 
 bool IndexData::StartScan(ScanMatches matches) {
-    scan->chunk = std::make_unique_for_overwrite<char[]>(ChunkBytes);
+    scan->chunk = AllocateHugePageArray<char>(ChunkBytes);
+    if (!scan->chunk) {
+        Release();
+        return Fail(loam::ErrorGeneral, cannotLoadText);
+    }
     scan->keepsMatches = matches == ScanMatches::Kept;
     if (scan->keepsMatches)
         scan->windowFolders = std::make_unique_for_overwrite<int32_t[]>(WindowRecords + 1);
@@ -331,10 +348,8 @@ bool IndexData::BuildTables(uint32_t bytes) {
         nextRecord = image + sizeof(IndexFileHeader);
         return TakeRecords(count, true);
     }
-    if (keepsMatches) {
-        scan->folderOrdinals.reserve(static_cast<size_t>(count));
-        scan->folderCopies.reserve(static_cast<size_t>(count));
-    }
+    if (keepsMatches && !scan->SetAsideFolders(count))
+        return Fail(loam::ErrorGeneral, notUnderstoodText);
     if (!TakeRecords(tableSize, scan->chunkBytes == scan->size))
         return false;
     KeepWindow();
@@ -417,12 +432,12 @@ void IndexData::KeepWindow() {
     for (int32_t ordinal = (windowFirst + LandmarkSpacing - 1) / LandmarkSpacing * LandmarkSpacing;
          ordinal < end; ordinal += LandmarkSpacing) {
         const auto* at = reinterpret_cast<const char*>(records[ordinal - windowFirst]);
-        kept.landmarks.push_back(kept.chunkOffset + static_cast<uint32_t>(at - image));
+        kept.landmarks[kept.landmarkCount++] = kept.chunkOffset + static_cast<uint32_t>(at - image);
     }
     for (int32_t slot = 0; slot < kept.windowFolderCount; ++slot) {
         const int32_t ordinal = kept.windowFolders[slot];
-        kept.folderOrdinals.push_back(static_cast<uint32_t>(ordinal));
-        kept.folderCopies.push_back(kept.Keep(records[ordinal - windowFirst]));
+        kept.folderOrdinals[kept.foldersKept] = static_cast<uint32_t>(ordinal);
+        kept.folderCopies[kept.foldersKept++] = kept.Keep(records[ordinal - windowFirst]);
     }
 }
 
@@ -435,10 +450,11 @@ const IndexRecord* IndexData::KeepCopy(const IndexRecord* record) {
 const IndexRecord* IndexData::GetRecordByOrdinal(uint32_t ordinal) const {
     if (!scan)
         return records[ordinal];
-    const auto& ordinals = scan->folderOrdinals;
-    const auto folder = std::lower_bound(ordinals.begin(), ordinals.end(), ordinal);
-    if (folder != ordinals.end() && *folder == ordinal)
-        return scan->folderCopies[static_cast<size_t>(folder - ordinals.begin())];
+    const uint32_t* const first = scan->folderOrdinals.get();
+    const uint32_t* const end = first + scan->foldersKept;
+    const uint32_t* const folder = std::lower_bound(first, end, ordinal);
+    if (folder != end && *folder == ordinal)
+        return scan->folderCopies[static_cast<size_t>(folder - first)];
     const auto other = scan->others.find(ordinal);
     return other != scan->others.end() ? other->second : scan->FindAgain(ordinal);
 }

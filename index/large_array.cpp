@@ -20,6 +20,10 @@ size_t RoundUp(size_t bytes, size_t unit) {
 
 } // namespace
 
+size_t HugePageLength(size_t bytes) {
+    return RoundUp(bytes == 0 ? 1 : bytes, HugePage);
+}
+
 bool IsLargeBlock(size_t bytes) {
     return bytes >= HugePage;
 }

@@ -35,14 +35,26 @@ template <typename T> using LargeArray = std::unique_ptr<T[], LargeArrayRelease>
 bool IsLargeBlock(size_t bytes);
 // Null when there is no memory.
 void* MapLargeBlock(size_t bytes);
+// The length that whole huge pages give a block of at least these bytes.
+size_t HugePageLength(size_t bytes);
 
-template <typename T> LargeArray<T> AllocateLargeArray(uint32_t count) {
-    const size_t bytes = sizeof(T) * count;
-    if (!IsLargeBlock(bytes))
-        return LargeArray<T>(new (std::nothrow) T[count]);
+template <typename T> LargeArray<T> MapLargeArray(size_t bytes, uint32_t count) {
     T* array = static_cast<T*>(MapLargeBlock(bytes));
     if (!array)
         return nullptr;
     std::uninitialized_default_construct_n(array, count);
     return LargeArray<T>(array, LargeArrayRelease(bytes));
+}
+
+template <typename T> LargeArray<T> AllocateLargeArray(uint32_t count) {
+    const size_t bytes = sizeof(T) * count;
+    if (!IsLargeBlock(bytes))
+        return LargeArray<T>(new (std::nothrow) T[count]);
+    return MapLargeArray<T>(bytes, count);
+}
+
+// Whole huge pages however small the array, for memory that a pass fills from its start: a
+// huge page costs one touch, where its small pages would cost one each.
+template <typename T> LargeArray<T> AllocateHugePageArray(uint32_t count) {
+    return MapLargeArray<T>(HugePageLength(sizeof(T) * count), count);
 }
