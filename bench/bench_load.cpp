@@ -95,6 +95,12 @@ void ReadFileIntoLargeArray(benchmark::State& state) {
     ReadFile<LargeArray<char>, AllocateLargeArray<char>>(state);
 }
 
+// The least a read can cost here: memory of whole huge pages, without the small pages of a
+// partial last one.
+void ReadFileIntoHugePages(benchmark::State& state) {
+    ReadFile<LargeArray<char>, AllocateHugePageArray<char>>(state);
+}
+
 // Loading as the program does, into memory of its own, or as the finder does, through a view of
 // the file; a view's pages belong to the file's cache and are not counted beyond the file.
 template <IndexSource source> void LoadIndex(benchmark::State& state) {
@@ -145,6 +151,7 @@ void ScanIndex(benchmark::State& state) {
 
 BENCHMARK(ReadFileAlone)->Arg(1000000)->Arg(10000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(ReadFileIntoLargeArray)->Arg(1000000)->Arg(10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadFileIntoHugePages)->Arg(1000000)->Arg(10000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(LoadIndex<IndexSource::Read>)
     ->Name("LoadIndex")
     ->Arg(1000000)

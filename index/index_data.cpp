@@ -202,16 +202,76 @@ bool IndexData::Load(loam::FileSpec indexFile, IndexSource source) {
         return Fail(loam::ErrorGeneral, cannotLoadText);
     if (source == IndexSource::View && mapping.Open(indexFile, MaxImageSize))
         return TakeImage(mapping.GetData(), mapping.GetSize());
-    auto bytes = AllocateLargeArray<char>(size);
-    if (!bytes)
-        return Fail(loam::ErrorGeneral, cannotLoadText);
     loam::DiskFile file;
     if (!file.OpenFile(indexFile, loam::FileModeRead))
         return Fail(loam::ErrorGeneral, cannotOpenText);
-    if (!file.Read(bytes.get(), size, nullptr) || HasMoreBytes(file))
+    IndexFileHeader first{};
+    const auto headerBytes = static_cast<uint32_t>(std::min<size_t>(size, sizeof first));
+    if (!file.Read(&first, headerBytes, nullptr) || !SetAsideImage(size, first.recordCount))
         return Fail(loam::ErrorGeneral, cannotLoadText);
-    file.Close();
-    return LoadImage(std::move(bytes), size);
+    std::memcpy(buffer.get(), &first, headerBytes);
+    return ReadImage(file, size, headerBytes);
+}
+
+// The image and, behind it, room for its two tables, in one block: the first touch of each small
+// page costs this system more than reading what fills it, and a block has small pages only in
+// its last, partial huge page. That page then falls in the result table, which a search touches
+// only as far as its matches reach. A count that the file cannot hold gets no room: the checks
+// refuse it later.
+bool IndexData::SetAsideImage(uint32_t size, int32_t recordCount) {
+    const auto count = static_cast<uint32_t>(recordCount);
+    const bool plausible = size >= sizeof(IndexFileHeader) && recordCount > 0 &&
+                           count <= (size - sizeof(IndexFileHeader)) / MinRecordSize;
+    const size_t imageBytes =
+        (size + sizeof(IndexRecord*) - 1) / sizeof(IndexRecord*) * sizeof(IndexRecord*);
+    if (plausible)
+        buffer = AllocateLargeBytes(imageBytes + 2 * sizeof(IndexRecord*) * count);
+    if (buffer) {
+        tableRoom = reinterpret_cast<const IndexRecord**>(buffer.get() + imageBytes);
+        std::uninitialized_default_construct_n(tableRoom, 2 * size_t(count));
+        return true;
+    }
+    buffer = AllocateLargeBytes(size);
+    return buffer != nullptr;
+}
+
+// The file comes in a piece at a time, and each piece's records are tabled while the piece is
+// still in the nearer caches: tabling the whole image after the read would fetch it all from
+// memory a second time. The tabling is quiet, since a file that cannot be read fails as
+// unreadable whatever its records hold; a damaged file is checked again whole once it is read,
+// and fails with the words that the checks of a whole image give.
+bool IndexData::ReadImage(loam::DiskFile& file, uint32_t size, uint32_t done) {
+    bool tabling = true;
+    while (done < size) {
+        const uint32_t piece = std::min(ChunkBytes, size - done);
+        if (!file.Read(buffer.get() + done, piece, nullptr)) {
+            Release();
+            return Fail(loam::ErrorGeneral, cannotLoadText);
+        }
+        done += piece;
+        loam::GetErrorState().SaveState();
+        tabling = tabling && TableReadRecords(done, size);
+        loam::GetErrorState().RestoreState();
+    }
+    if (HasMoreBytes(file)) {
+        Release();
+        return Fail(loam::ErrorGeneral, cannotLoadText);
+    }
+    return tabling || TakeImage(buffer.get(), size);
+}
+
+// Tables the records that lie wholly within the first bytesRead bytes of the image, once its
+// header has come.
+bool IndexData::TableReadRecords(uint32_t bytesRead, uint32_t size) {
+    if (!records) {
+        if (bytesRead < sizeof(IndexFileHeader) && bytesRead < size)
+            return true;
+        if (!CheckHeader(buffer.get(), size) || !StartTables(size - sizeof(IndexFileHeader)))
+            return false;
+        nextRecord = image + sizeof(IndexFileHeader);
+    }
+    bufferSize = bytesRead;
+    return TakeRecords(header.recordCount - tableCount, bytesRead == size);
 }
 
 bool IndexData::LoadImage(LargeArray<char> bytes, uint32_t imageSize) {
@@ -308,6 +368,7 @@ bool IndexData::CheckHeader(const char* bytes, uint32_t imageSize) {
 
 void IndexData::Release() {
     buffer.reset();
+    tableRoom = nullptr;
     mapping.Close();
     scan.reset();
     image = nullptr;
@@ -328,6 +389,22 @@ void IndexData::Release() {
 // name an earlier record as its parent, so that nothing read later leaves the buffer and every
 // walk up the parents ends.
 bool IndexData::BuildTables(uint32_t bytes) {
+    if (!StartTables(bytes))
+        return false;
+    if (!scan) {
+        nextRecord = image + sizeof(IndexFileHeader);
+        return TakeRecords(header.recordCount, true);
+    }
+    if (scan->keepsMatches && !scan->SetAsideFolders(header.recordCount))
+        return Fail(loam::ErrorGeneral, notUnderstoodText);
+    if (!TakeRecords(std::min(header.recordCount, WindowRecords), scan->chunkBytes == scan->size))
+        return false;
+    KeepWindow();
+    return true;
+}
+
+// Checks the record count against the file's length and sets aside the tables, still empty.
+bool IndexData::StartTables(uint32_t bytes) {
     fileCount = 0;
     folderCount = 0;
     totalSize = 0;
@@ -338,21 +415,18 @@ bool IndexData::BuildTables(uint32_t bytes) {
         return Fail(loam::ErrorGeneral, notUnderstoodText);
     const int32_t tableSize = scan ? std::min(count, WindowRecords) : count;
     const bool keepsMatches = !scan || scan->keepsMatches;
-    records = AllocateLargeArray<const IndexRecord*>(tableSize);
-    if (keepsMatches)
-        results = AllocateLargeArray<const IndexRecord*>(count);
+    if (tableRoom) {
+        records = LargeArray<const IndexRecord*>(tableRoom, LargeArrayRelease::Borrowed());
+        results = LargeArray<const IndexRecord*>(tableRoom + count, LargeArrayRelease::Borrowed());
+    } else {
+        records = AllocateLargeArray<const IndexRecord*>(tableSize);
+        if (keepsMatches)
+            results = AllocateLargeArray<const IndexRecord*>(count);
+    }
     if (!records || (keepsMatches && !results))
         return Fail(loam::ErrorGeneral, notUnderstoodText);
     resultCount = 0;
-    if (!scan) {
-        nextRecord = image + sizeof(IndexFileHeader);
-        return TakeRecords(count, true);
-    }
-    if (keepsMatches && !scan->SetAsideFolders(count))
-        return Fail(loam::ErrorGeneral, notUnderstoodText);
-    if (!TakeRecords(tableSize, scan->chunkBytes == scan->size))
-        return false;
-    KeepWindow();
+    tableCount = 0;
     return true;
 }
 
@@ -360,6 +434,7 @@ bool IndexData::TakeNextWindow() {
     if (!scan)
         return Fail(loam::ErrorWrongState, internalFaultText);
     windowFirst += tableCount;
+    tableCount = 0;
     const bool moreToRead = scan->chunkOffset + scan->chunkBytes < scan->size;
     if (moreToRead && image + bufferSize - nextRecord < static_cast<ptrdiff_t>(RefillBelow) &&
         !FillChunk()) {
@@ -375,21 +450,23 @@ bool IndexData::TakeNextWindow() {
     return true;
 }
 
-// One pass over at most count records, from nextRecord on, which become the table. A record
-// that reaches past the end of the buffer is damage at the end of the file, and otherwise ends
-// the table early.
+// One pass over at most count records, from nextRecord on, which join the table. A record that
+// reaches past the end of the buffer is damage at the end of the file, and otherwise ends the
+// pass early.
 bool IndexData::TakeRecords(int32_t count, bool endIsFileEnd) {
     return scan && scan->keepsMatches ? TakeRecords<true>(count, endIsFileEnd)
                                       : TakeRecords<false>(count, endIsFileEnd);
 }
 
 template <bool notesFolders> bool IndexData::TakeRecords(int32_t count, bool endIsFileEnd) {
-    tableCount = 0;
-    RecordTally tally{records.get(), notesFolders ? scan->windowFolders.get() : nullptr,
-                      nextRecord,    windowFirst,
-                      fileCount,     folderCount,
+    RecordTally tally{records.get() + tableCount,
+                      notesFolders ? scan->windowFolders.get() : nullptr,
+                      nextRecord,
+                      windowFirst + tableCount,
+                      fileCount,
+                      folderCount,
                       totalSize};
-    const int32_t end = windowFirst + count;
+    const int32_t end = tally.ordinal + count;
     const char* const imageEnd = image + bufferSize;
     // While the longest record still fits before the end, no record can reach past it, and the
     // checks are gathered instead of each being a branch.

@@ -10,6 +10,10 @@
 #include <cstdint>
 #include <memory>
 
+namespace loam {
+class DiskFile;
+}
+
 namespace quilt {
 class Window;
 }
@@ -97,8 +101,12 @@ private:
 
     bool TakeImage(const char* bytes, uint32_t imageSize);
     bool StartScan(ScanMatches matches);
+    bool SetAsideImage(uint32_t size, int32_t recordCount);
+    bool ReadImage(loam::DiskFile& file, uint32_t size, uint32_t done);
+    bool TableReadRecords(uint32_t bytesRead, uint32_t size);
     bool CheckHeader(const char* bytes, uint32_t imageSize);
     bool BuildTables(uint32_t bytes);
+    bool StartTables(uint32_t bytes);
     bool TakeRecords(int32_t count, bool endIsFileEnd);
     template <bool notesFolders> bool TakeRecords(int32_t count, bool endIsFileEnd);
     bool FillChunk();
@@ -109,6 +117,9 @@ private:
 
     // The image is the buffer's bytes or the mapping's.
     LargeArray<char> buffer;
+    // Room for the record and result tables behind the image, in the buffer's block, when the
+    // count in the header has been seen before the image was set aside; null otherwise.
+    const IndexRecord** tableRoom = nullptr;
     loam::FileMapping mapping;
     const char* image = nullptr;
     // The header as loaded: the file of a build under way, seen through a view, gets its

@@ -6,21 +6,25 @@
 #include <new>
 
 // Frees what AllocateLargeArray gave: a mapping of its own, or an array from new[], which is
-// also what a plain std::unique_ptr hands over.
+// also what a plain std::unique_ptr hands over. An array that lies inside another one's block
+// is borrowed, and freed with that block.
 class LargeArrayRelease {
 public:
     LargeArrayRelease() = default;
     explicit LargeArrayRelease(size_t mapped) : mappedBytes(mapped) {}
     template <typename T> LargeArrayRelease(std::default_delete<T[]>) {}
+    static LargeArrayRelease Borrowed() { return LargeArrayRelease(Borrowing); }
 
     template <typename T> void operator()(T* array) const {
         if (mappedBytes == 0)
             delete[] array;
-        else
+        else if (mappedBytes != Borrowing)
             UnmapLargeBlock(array, mappedBytes);
     }
 
 private:
+    static constexpr size_t Borrowing = SIZE_MAX;
+
     static void UnmapLargeBlock(void* block, size_t bytes);
 
     // 0 for an array from new[].
@@ -44,6 +48,13 @@ template <typename T> LargeArray<T> MapLargeArray(size_t bytes, uint32_t count) 
         return nullptr;
     std::uninitialized_default_construct_n(array, count);
     return LargeArray<T>(array, LargeArrayRelease(bytes));
+}
+
+// Bytes in which their user lays out arrays of its own.
+inline LargeArray<char> AllocateLargeBytes(size_t bytes) {
+    if (!IsLargeBlock(bytes))
+        return LargeArray<char>(new (std::nothrow) char[bytes]);
+    return LargeArray<char>(static_cast<char*>(MapLargeBlock(bytes)), LargeArrayRelease(bytes));
 }
 
 template <typename T> LargeArray<T> AllocateLargeArray(uint32_t count) {
