@@ -241,7 +241,7 @@ bool IndexData::SetAsideImage(uint32_t size, int32_t recordCount) {
 // unreadable whatever its records hold; a damaged file is checked again whole once it is read,
 // and fails with the words that the checks of a whole image give.
 bool IndexData::ReadImage(loam::DiskFile& file, uint32_t size, uint32_t done) {
-    bool tabling = true;
+    bool tabling = TableQuietly(done, size);
     while (done < size) {
         const uint32_t piece = std::min(ChunkBytes, size - done);
         if (!file.Read(buffer.get() + done, piece, nullptr)) {
@@ -249,15 +249,20 @@ bool IndexData::ReadImage(loam::DiskFile& file, uint32_t size, uint32_t done) {
             return Fail(loam::ErrorGeneral, cannotLoadText);
         }
         done += piece;
-        loam::GetErrorState().SaveState();
-        tabling = tabling && TableReadRecords(done, size);
-        loam::GetErrorState().RestoreState();
+        tabling = tabling && TableQuietly(done, size);
     }
     if (HasMoreBytes(file)) {
         Release();
         return Fail(loam::ErrorGeneral, cannotLoadText);
     }
     return tabling || TakeImage(buffer.get(), size);
+}
+
+bool IndexData::TableQuietly(uint32_t bytesRead, uint32_t size) {
+    loam::GetErrorState().SaveState();
+    const bool tabled = TableReadRecords(bytesRead, size);
+    loam::GetErrorState().RestoreState();
+    return tabled;
 }
 
 // Tables the records that lie wholly within the first bytesRead bytes of the image, once its

@@ -103,6 +103,7 @@ private:
     bool StartScan(ScanMatches matches);
     bool SetAsideImage(uint32_t size, int32_t recordCount);
     bool ReadImage(loam::DiskFile& file, uint32_t size, uint32_t done);
+    bool TableQuietly(uint32_t bytesRead, uint32_t size);
     bool TableReadRecords(uint32_t bytesRead, uint32_t size);
     bool CheckHeader(const char* bytes, uint32_t imageSize);
     bool BuildTables(uint32_t bytes);

@@ -1,12 +1,15 @@
 // Feeds arbitrary bytes to the index loader as the image of an index file. What loads must then
 // answer every path, result and status question without leaving its buffer. A scan of the same
-// bytes, window by window, must take and refuse them alike, with the same words, and give every
-// record the same path.
+// bytes, window by window, and a load of them from a file, which tables them as they are read,
+// must take and refuse them alike, with the same words, and give every record the same path.
 #include "index/index_data.h"
 #include "index/index_status.h"
 #include "loam/error.h"
 #include "loam/format.h"
 
+#include <unistd.h>
+
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -81,6 +84,30 @@ Outcome Scan(const uint8_t* data, size_t size, ScanMatches matches) {
             kept ? ResultPaths(index) : std::vector<std::string>{}};
 }
 
+// A file of the process's own, there only while it is loaded.
+const std::string& ScratchFile() {
+    static const std::string path = [] {
+        const char* folder = std::getenv("TMPDIR");
+        return std::string(folder && *folder ? folder : "/tmp") + "/fuzz_index_load." +
+               std::to_string(::getpid()) + ".idx";
+    }();
+    return path;
+}
+
+Outcome LoadFile(const uint8_t* data, size_t size) {
+    FILE* file = std::fopen(ScratchFile().c_str(), "wb");
+    if (!file || std::fwrite(data, 1, size, file) != size || std::fclose(file) != 0)
+        std::abort();
+    IndexData index;
+    const bool loaded = index.Load(loam::FileSpec(ScratchFile().c_str()));
+    std::remove(ScratchFile().c_str());
+    for (int32_t ordinal = 0; loaded && ordinal < index.GetRecordCount(); ++ordinal)
+        index.AddResult(index.GetRecord(ordinal));
+    const std::string message = TakeMessage(loaded);
+    return {message, loaded ? index.GetResultCount() : 0,
+            loaded ? ResultPaths(index) : std::vector<std::string>{}};
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -104,6 +131,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (scanned.message != whole.message || scanned.found != whole.found ||
         scanned.paths != whole.paths || counted.message != whole.message ||
         counted.found != whole.found)
+        std::abort();
+    // An empty file has words of its own.
+    if (size == 0)
+        return 0;
+    const Outcome fromFile = LoadFile(data, size);
+    if (fromFile.message != whole.message || fromFile.found != whole.found ||
+        fromFile.paths != whole.paths)
         std::abort();
     return 0;
 }
