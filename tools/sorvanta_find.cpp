@@ -215,10 +215,19 @@ loam::FileSpec GetIndexFile(const Request& request) {
     return SorvantaSettings::GetIndexFile();
 }
 
-// A finder's run is short, so the index is seen where it lies rather than copied. What goes
-// through every record by its ordinal needs the whole table.
+// What goes through every record by its ordinal needs the whole table. The read is the
+// loader's own: each piece is tabled while it is still in the nearer caches, which a view of
+// the file, whose pages are first touched by the walk, cannot match.
 bool LoadIndex(IndexData& index, const loam::FileSpec& file) {
-    return index.Load(file, IndexSource::View);
+    return index.Load(file, IndexSource::Read);
+}
+
+// The status line needs only the counts, which a scan that keeps nothing gathers.
+bool CountIndex(IndexData& index, const loam::FileSpec& file) {
+    bool scanned = index.Scan(file, ScanMatches::Counted);
+    while (scanned && index.GetRecordCount() > 0)
+        scanned = index.TakeNextWindow();
+    return scanned;
 }
 
 // Paths are built only for what is printed, and no longer once the output has failed. They are
@@ -288,7 +297,7 @@ int RunStatus(const Request& request) {
     if (file.GetKind() != loam::FileKindFile)
         return Fail(noIndexText);
     IndexData index;
-    if (!LoadIndex(index, file))
+    if (!CountIndex(index, file))
         return FailWithTopError();
     RegisterSorvantaStrings();
     loam::String line;
