@@ -191,7 +191,7 @@ IndexData::~IndexData() {
     Release();
 }
 
-bool IndexData::Load(loam::FileSpec indexFile, IndexSource source) {
+bool IndexData::Load(loam::FileSpec indexFile) {
     Release();
     if (indexFile.GetKind() != loam::FileKindFile)
         return Fail(loam::ErrorGeneral, notFoundText);
@@ -200,8 +200,6 @@ bool IndexData::Load(loam::FileSpec indexFile, IndexSource source) {
         return Fail(loam::ErrorGeneral, emptyText);
     if (size > MaxImageSize)
         return Fail(loam::ErrorGeneral, cannotLoadText);
-    if (source == IndexSource::View && mapping.Open(indexFile, MaxImageSize))
-        return TakeImage(mapping.GetData(), mapping.GetSize());
     loam::DiskFile file;
     if (!file.OpenFile(indexFile, loam::FileModeRead))
         return Fail(loam::ErrorGeneral, cannotOpenText);
@@ -374,7 +372,6 @@ bool IndexData::CheckHeader(const char* bytes, uint32_t imageSize) {
 void IndexData::Release() {
     buffer.reset();
     tableRoom = nullptr;
-    mapping.Close();
     scan.reset();
     image = nullptr;
     header = IndexFileHeader{};

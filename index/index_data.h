@@ -3,7 +3,6 @@
 #include "index/index_format.h"
 #include "index/large_array.h"
 #include "loam/date_time.h"
-#include "loam/file_mapping.h"
 #include "loam/file_spec.h"
 #include "loam/string.h"
 
@@ -18,12 +17,6 @@ namespace quilt {
 class Window;
 }
 
-// Where a loaded index's bytes come from: a copy read into memory of the program's own, or, for
-// a short-lived reader, a view of the file itself (read after all where it cannot be mapped),
-// which spares the copy. Either stays whatever becomes of the file: a build puts a new file in
-// its place and never writes into one it did not make.
-enum class IndexSource { Read, View };
-
 // What a scan keeps of its matches: the records and the folders above them, which outlive their
 // window so that their paths can be told, or only their number.
 enum class ScanMatches { Kept, Counted };
@@ -37,7 +30,8 @@ public:
     IndexData& operator=(const IndexData&) = delete;
     ~IndexData();
 
-    bool Load(loam::FileSpec indexFile, IndexSource source = IndexSource::Read);
+    // Reads the file into memory of the program's own, which stays whatever becomes of the file.
+    bool Load(loam::FileSpec indexFile);
     // Takes the whole image of an index file, checks it and builds the tables.
     bool LoadImage(LargeArray<char> image, uint32_t imageSize);
 
@@ -116,15 +110,13 @@ private:
     const IndexRecord* GetRecordByOrdinal(uint32_t ordinal) const;
     bool IsResult(int32_t index) const { return index >= 0 && index < resultCount; }
 
-    // The image is the buffer's bytes or the mapping's.
+    // The image is the buffer's bytes, or a scan's piece.
     LargeArray<char> buffer;
     // Room for the record and result tables behind the image, in the buffer's block, when the
     // count in the header has been seen before the image was set aside; null otherwise.
     const IndexRecord** tableRoom = nullptr;
-    loam::FileMapping mapping;
     const char* image = nullptr;
-    // The header as loaded: the file of a build under way, seen through a view, gets its
-    // header rewritten when the build ends, and its records must not be counted again.
+    // The header as loaded, kept apart from the image, of which a scan holds only a piece.
     IndexFileHeader header{};
     uint32_t bufferSize = 0;
     LargeArray<const IndexRecord*> records;

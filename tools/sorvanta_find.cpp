@@ -215,11 +215,9 @@ loam::FileSpec GetIndexFile(const Request& request) {
     return SorvantaSettings::GetIndexFile();
 }
 
-// What goes through every record by its ordinal needs the whole table. The read is the
-// loader's own: each piece is tabled while it is still in the nearer caches, which a view of
-// the file, whose pages are first touched by the walk, cannot match.
+// What goes through every record by its ordinal needs the whole table.
 bool LoadIndex(IndexData& index, const loam::FileSpec& file) {
-    return index.Load(file, IndexSource::Read);
+    return index.Load(file);
 }
 
 // The status line needs only the counts, which a scan that keeps nothing gathers.

@@ -44,12 +44,9 @@ std::string ManyFiles(int32_t damaged = 0, int damage = 0) {
     return image.GetBytes();
 }
 
-// Every case holds whether the index is read into memory or seen where it lies.
-class IndexDataTest : public ScratchFolderTest, public testing::WithParamInterface<IndexSource> {
+class IndexDataTest : public ScratchFolderTest {
 protected:
-    bool Load(IndexData& index, const std::string& name) {
-        return index.Load(FileAt(name), GetParam());
-    }
+    bool Load(IndexData& index, const std::string& name) { return index.Load(FileAt(name)); }
     bool LoadBytes(IndexData& index, const std::string& bytes) {
         MakeFile("sorvanta.idx", bytes);
         return Load(index, "sorvanta.idx");
@@ -69,7 +66,7 @@ protected:
     }
 };
 
-TEST_P(IndexDataTest, RefusesDamagedFilesWithTheirOwnWords) {
+TEST_F(IndexDataTest, RefusesDamagedFilesWithTheirOwnWords) {
     const std::string good = SmallIndex().GetBytes();
     struct Case {
         std::string what, bytes;
@@ -113,7 +110,7 @@ TEST_P(IndexDataTest, RefusesDamagedFilesWithTheirOwnWords) {
     }
 }
 
-TEST_P(IndexDataTest, RefusesWhatCannotBeLoadedWhole) {
+TEST_F(IndexDataTest, RefusesWhatCannotBeLoadedWhole) {
     IndexData index;
     EXPECT_FALSE(Load(index, "missing.idx"));
     ExpectFailure(index, "The index file was not found.");
@@ -134,7 +131,7 @@ TEST_P(IndexDataTest, RefusesWhatCannotBeLoadedWhole) {
     }
 }
 
-TEST_P(IndexDataTest, LoadsWhatTheHeaderCountsAndNothingBehind) {
+TEST_F(IndexDataTest, LoadsWhatTheHeaderCountsAndNothingBehind) {
     const struct {
         const char* what;
         std::string bytes;
@@ -163,7 +160,7 @@ TEST_P(IndexDataTest, LoadsWhatTheHeaderCountsAndNothingBehind) {
     }
 }
 
-TEST_P(IndexDataTest, AnswersForResultsAndRebuildsTheirPaths) {
+TEST_F(IndexDataTest, AnswersForResultsAndRebuildsTheirPaths) {
     IndexData index;
     ASSERT_TRUE(LoadBytes(index, LargeFiles().GetBytes()));
     for (int32_t i = 0; i < 5; ++i)
@@ -186,8 +183,5 @@ TEST_P(IndexDataTest, AnswersForResultsAndRebuildsTheirPaths) {
         EXPECT_EQ(index.GetResultDate(outside), loam::DateTime());
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(Sources, IndexDataTest,
-                         testing::Values(IndexSource::Read, IndexSource::View));
 
 } // namespace
