@@ -73,9 +73,8 @@ const char* GetStandardMessage(int position) {
 
 ErrorInfo::ErrorInfo(uint32_t code, uint32_t severity, const char* message, const char* detail,
                      const char* sourceFile, uint32_t sourceLine)
-    : code(code), severity(severity), message(message ? message : ""),
-      detail(detail ? detail : ""), sourceFile(sourceFile ? sourceFile : ""),
-      sourceLine(sourceLine) {}
+    : code(code), severity(severity), message(message ? message : ""), detail(detail ? detail : ""),
+      sourceFile(sourceFile ? sourceFile : ""), sourceLine(sourceLine) {}
 
 bool ErrorInfo::GetNext(ErrorInfo** older) const {
     auto* neighbour = static_cast<ErrorInfo*>(ListItem::GetNext());
@@ -99,10 +98,9 @@ ErrorStateStack::~ErrorStateStack() {
 }
 
 bool ErrorStateStack::RaiseError(uint32_t code, uint32_t severity, const char* message,
-                                 const char* detail, const char* sourceFile,
-                                 uint32_t sourceLine) {
-    current->Push(new ErrorInfo(code, severity, message, detail, LeafAfterBackslash(sourceFile),
-                                sourceLine));
+                                 const char* detail, const char* sourceFile, uint32_t sourceLine) {
+    current->Push(
+        new ErrorInfo(code, severity, message, detail, LeafAfterBackslash(sourceFile), sourceLine));
     return false;
 }
 
@@ -129,7 +127,9 @@ void ErrorStateStack::ReportError() {
     reporting = false;
 }
 
-void ErrorStateStack::ClearErrors() { current->Clear(); }
+void ErrorStateStack::ClearErrors() {
+    current->Clear();
+}
 
 const ErrorInfo& ErrorStateStack::GetCurrentError() const {
     const ErrorInfo* top = current->GetTop();
@@ -157,9 +157,13 @@ ErrorStateStack& GetErrorState() {
     return state;
 }
 
-const ErrorInfo& GetCurrentErrorInfo() { return GetErrorState().GetCurrentError(); }
+const ErrorInfo& GetCurrentErrorInfo() {
+    return GetErrorState().GetCurrentError();
+}
 
-uint32_t GetCurrentErrorCode() { return GetCurrentErrorInfo().GetCode(); }
+uint32_t GetCurrentErrorCode() {
+    return GetCurrentErrorInfo().GetCode();
+}
 
 bool RaiseError(uint32_t code, const char* message) {
     return GetErrorState().RaiseError(code, SeverityError, message);
@@ -174,8 +178,12 @@ bool RaiseFormatted(uint32_t code, const char* format, ...) {
     return RaiseError(code, text.GetCString());
 }
 
-void ReportError() { GetErrorState().ReportError(); }
+void ReportError() {
+    GetErrorState().ReportError();
+}
 
-void ClearErrors() { GetErrorState().ClearErrors(); }
+void ClearErrors() {
+    GetErrorState().ClearErrors();
+}
 
 } // namespace loam
