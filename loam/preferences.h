@@ -10,8 +10,12 @@ namespace loam {
 // A node of a generic tree of siblings and children.
 class TreeNode {
 public:
-    enum InsertWhere { InsertBeforeSibling = 1, InsertAfterSibling = 2, AsFirstChild = 3,
-                       AsLastChild = 4 };
+    enum InsertWhere {
+        InsertBeforeSibling = 1,
+        InsertAfterSibling = 2,
+        AsFirstChild = 3,
+        AsLastChild = 4
+    };
 
     TreeNode() = default;
     TreeNode(const TreeNode&) = delete;

@@ -22,7 +22,9 @@ struct ResourceId {
     String GetString() const;
 };
 
-inline ResourceId StringResource(uint16_t id) { return ResourceId{ResourceKindString, id}; }
+inline ResourceId StringResource(uint16_t id) {
+    return ResourceId{ResourceKindString, id};
+}
 
 // One row of a string table compiled into the program.
 struct StringTableEntry {

@@ -14,7 +14,9 @@ bool IsTrimmable(unsigned char byte) {
     return byte == ' ' || (byte >= '\t' && byte <= '\r') || byte == 0xA0;
 }
 
-bool InSet(char byte, const char* set) { return byte != 0 && std::strchr(set, byte) != nullptr; }
+bool InSet(char byte, const char* set) {
+    return byte != 0 && std::strchr(set, byte) != nullptr;
+}
 
 } // namespace
 
@@ -33,7 +35,9 @@ String::String(const char* text) {
     length = size;
 }
 
-String::~String() { std::free(data); }
+String::~String() {
+    std::free(data);
+}
 
 String& String::operator=(const String& other) {
     if (this != &other)
@@ -46,7 +50,9 @@ String& String::operator=(const char* text) {
     return *this;
 }
 
-const char* String::GetCString() const { return data ? data : emptyText; }
+const char* String::GetCString() const {
+    return data ? data : emptyText;
+}
 
 // Takes a buffer of exactly newLength + 1 bytes, keeping the old text when asked to.
 void String::Grow(int32_t newLength, bool keepText) {
@@ -87,7 +93,9 @@ char* String::GetBuffer(int32_t size) {
     return data;
 }
 
-void String::ReleaseBuffer() { length = data ? static_cast<int32_t>(std::strlen(data)) : 0; }
+void String::ReleaseBuffer() {
+    length = data ? static_cast<int32_t>(std::strlen(data)) : 0;
+}
 
 void String::Assign(const char* text) {
     if (!text) {
@@ -134,7 +142,9 @@ void String::Append(const char* text) {
     length = newLength;
 }
 
-void String::Append(const String& other) { Append(other.data); }
+void String::Append(const String& other) {
+    Append(other.data);
+}
 
 void String::Append(char byte) {
     // One thread only, so a shared two-byte buffer serves every caller.
@@ -170,7 +180,9 @@ void String::AssignRange(const char* text, int32_t offset, int32_t count) {
     length = static_cast<int32_t>(std::strlen(data));
 }
 
-void String::FromInt(int32_t value) { Format("%i", value); }
+void String::FromInt(int32_t value) {
+    Format("%i", value);
+}
 
 void String::Format(const char* format, ...) {
     va_list args;
@@ -231,7 +243,9 @@ String String::Mid(int32_t start, int32_t count) const {
     return result;
 }
 
-String String::Mid(int32_t start) const { return Mid(start, length - start); }
+String String::Mid(int32_t start) const {
+    return Mid(start, length - start);
+}
 
 void String::Truncate(int32_t newLength) {
     if (newLength < 0 || newLength >= length)
@@ -339,7 +353,9 @@ bool String::operator==(const char* text) const {
     return std::strcmp(GetCString(), text ? text : emptyText) == 0;
 }
 
-bool String::operator<(const String& other) const { return Compare(other) < 0; }
+bool String::operator<(const String& other) const {
+    return Compare(other) < 0;
+}
 
 int String::Compare(const String& other) const {
     if (IsEmpty() || other.IsEmpty())
