@@ -9,6 +9,7 @@
 #include "loam/disk_file.h"
 #include "loam/error.h"
 #include "loam/preferences.h"
+#include "search/candidate_search.h"
 #include "search/index_searcher.h"
 
 #include <getopt.h>
@@ -252,11 +253,10 @@ void WritePaths(Output& output, const IndexData& index, int32_t count, char term
 // A search goes through the records once, in file order, so the index is scanned a window at a
 // time, and the pass goes on from window to window. Nothing is printed before the last window
 // has been checked: a file refused at its end shows the refusal alone, as the loader would.
-int RunSearch(const Request& request) {
-    IndexData index;
+bool SearchWholeIndex(IndexData& index, const loam::FileSpec& file, const Request& request) {
     const ScanMatches matches = request.countOnly ? ScanMatches::Counted : ScanMatches::Kept;
-    if (!index.Scan(GetIndexFile(request), matches))
-        return FailWithTopError();
+    if (!index.Scan(file, matches))
+        return false;
     IndexSearcher searcher;
     const bool started =
         searcher.Start(&index, request.pattern, request.isRegExp, request.autoWildcards);
@@ -269,9 +269,17 @@ int RunSearch(const Request& request) {
             searching = searcher.Rewind();
         }
         if (!index.TakeNextWindow())
-            return FailWithTopError();
+            return false;
     }
-    if (!started)
+    return started;
+}
+
+// The index's trigram file, where it serves, leads to the few records that may match.
+int RunSearch(const Request& request) {
+    const loam::FileSpec file = GetIndexFile(request);
+    IndexData index;
+    if (!SearchCandidates(index, file, request.pattern, request.isRegExp, request.autoWildcards) &&
+        !SearchWholeIndex(index, file, request))
         return FailWithTopError();
     const int32_t found = index.GetResultCount();
     const int32_t shown = std::min(found, request.limit);
