@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <unordered_map>
 
 namespace trigram {
 
@@ -410,8 +411,10 @@ struct Sidecar::State {
     int side = -1;
     Header header{};
     std::vector<Bucket> buckets;
-    uint32_t pageNumber = UINT32_MAX;
-    std::vector<uint32_t> page;
+    // The landmark pages read, each checked once, and the checksums of all pages, read with the
+    // first of them.
+    std::unordered_map<uint32_t, std::vector<uint32_t>> pages;
+    std::vector<uint64_t> pageSums;
     std::vector<Entry> entries;
     std::vector<uint8_t> postings;
 
@@ -542,20 +545,26 @@ bool Sidecar::GetBlocks(uint32_t key, std::vector<uint32_t>& blocks) {
 bool Sidecar::GetLandmark(uint32_t block, uint32_t& offset) {
     State& s = *state;
     const uint32_t number = block / PageLandmarks;
-    if (number != s.pageNumber) {
-        const uint32_t first = number * PageLandmarks;
-        s.page.resize(std::min(PageLandmarks, s.header.blockCount - first));
-        uint64_t sum = 0;
-        s.pageNumber = UINT32_MAX;
-        if (!ReadAt(s.side, s.header.landmarksAt + uint64_t{first} * sizeof(uint32_t),
-                    s.page.data(), s.page.size() * sizeof(uint32_t)) ||
-            !ReadAt(s.side, s.header.pageChecksumsAt + uint64_t{number} * sizeof(uint64_t), &sum,
-                    sizeof sum) ||
-            Checksum(s.page.data(), s.page.size() * sizeof(uint32_t)) != sum)
+    std::vector<uint32_t>& page = s.pages[number];
+    if (s.pageSums.empty()) {
+        s.pageSums.resize((s.header.blockCount + PageLandmarks - 1) / PageLandmarks);
+        if (!ReadAt(s.side, s.header.pageChecksumsAt, s.pageSums.data(),
+                    s.pageSums.size() * sizeof(uint64_t))) {
+            s.pageSums.clear();
             return false;
-        s.pageNumber = number;
+        }
     }
-    offset = s.page[block % PageLandmarks];
+    if (page.empty()) {
+        const uint32_t first = number * PageLandmarks;
+        page.resize(std::min(PageLandmarks, s.header.blockCount - first));
+        if (!ReadAt(s.side, s.header.landmarksAt + uint64_t{first} * sizeof(uint32_t), page.data(),
+                    page.size() * sizeof(uint32_t)) ||
+            Checksum(page.data(), page.size() * sizeof(uint32_t)) != s.pageSums[number]) {
+            s.pages.erase(number);
+            return false;
+        }
+    }
+    offset = page[block % PageLandmarks];
     return true;
 }
 

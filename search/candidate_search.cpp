@@ -116,6 +116,10 @@ bool AddLongNames(trigram::Sidecar& sidecar, int32_t trustedLength, Blocks& bloc
     return true;
 }
 
+size_t RecordBytes(const char* record) {
+    return sizeof(IndexRecord) + reinterpret_cast<const IndexRecord*>(record)->nameLength;
+}
+
 // The records read: the candidates' blocks whole, and the folders above them, each once.
 class Gathering {
 public:
@@ -126,31 +130,33 @@ public:
             return false;
         uint32_t ordinal = block * trigram::BlockRecords;
         for (size_t at = 0; at < bytes.size(); ++ordinal) {
-            const auto* record = reinterpret_cast<const IndexRecord*>(bytes.data() + at);
-            const size_t length = sizeof(IndexRecord) + record->nameLength;
+            const size_t length = RecordBytes(bytes.data() + at);
             Add(ordinal, bytes.data() + at, length);
             at += length;
         }
         return true;
     }
 
-    // Every folder above what was read, read in turn from its block.
+    // Every folder above what was read, read in turn from its block. Folders lie together, so
+    // the blocks read for them are kept for the folders beside them.
     bool AddFolders() {
+        std::unordered_map<uint32_t, std::vector<char>> folderBlocks;
         while (!pending.empty()) {
             const uint32_t ordinal = pending.back();
             pending.pop_back();
             if (places.count(ordinal) > 0)
                 continue;
-            if (!sidecar.ReadBlock(ordinal / trigram::BlockRecords, bytes))
+            const uint32_t block = ordinal / trigram::BlockRecords;
+            std::vector<char>& read = folderBlocks[block];
+            if (read.empty() && !sidecar.ReadBlock(block, read))
                 return false;
             size_t at = 0;
-            for (uint32_t step = ordinal % trigram::BlockRecords; step > 0; --step)
-                at += sizeof(IndexRecord) +
-                      reinterpret_cast<const IndexRecord*>(&bytes[at])->nameLength;
-            if (at >= bytes.size())
+            for (uint32_t step = ordinal % trigram::BlockRecords; step > 0 && at < read.size();
+                 --step)
+                at += RecordBytes(&read[at]);
+            if (at >= read.size())
                 return false;
-            Add(ordinal, &bytes[at],
-                sizeof(IndexRecord) + reinterpret_cast<const IndexRecord*>(&bytes[at])->nameLength);
+            Add(ordinal, &read[at], RecordBytes(&read[at]));
         }
         return true;
     }
