@@ -151,26 +151,40 @@ TEST_F(SorvantaWindowTest, EachColumnSortsBothWays) {
     }
 }
 
-// The desktop's handler for folders is a small program that writes down what it was given.
-TEST_F(SorvantaWindowTest, ADoubleClickOpensTheFolderOfTheRow) {
+class OpenFolderTest : public SorvantaWindowTest {
+protected:
+    // The desktop's handler for folders is a small program that writes down what it was given.
+    void SetUp() override {
+        SorvantaWindowTest::SetUp();
+        std::filesystem::create_directories(Path("config"));
+        std::filesystem::create_directories(Path("data/applications"));
+        MakeFile("recorder", "#!/bin/sh\nprintf '%s\\n' \"$1\" >> \"$0.log\"\n");
+        std::filesystem::permissions(Path("recorder"), std::filesystem::perms::owner_all);
+        MakeFile("config/mimeapps.list",
+                 "[Default Applications]\ninode/directory=recorder.desktop\n");
+        MakeFile("data/applications/recorder.desktop",
+                 "[Desktop Entry]\nType=Application\nName=Recorder\nExec=" + Path("recorder") +
+                     " %u\nMimeType=inode/directory;\n");
+    }
+
+    // Double-clicks the first row and gives what the handler was handed.
+    std::string OpenFirstRow() {
+        std::filesystem::remove(Path("recorder.log"));
+        driver.DoubleClickRow(*Main(), MainResultsList, 0);
+        driver.RunUntilIdle();
+        for (int wait = 0; wait < 100 && !Exists("recorder.log"); ++wait)
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        return ReadWhole("recorder.log");
+    }
+};
+
+TEST_F(OpenFolderTest, ADoubleClickOpensTheFolderOfTheRow) {
     MakeFiles("tree/docs", 1);
-    std::filesystem::create_directories(Path("config"));
-    std::filesystem::create_directories(Path("data/applications"));
-    MakeFile("recorder", "#!/bin/sh\nprintf '%s\\n' \"$1\" >> \"$0.log\"\n");
-    std::filesystem::permissions(Path("recorder"), std::filesystem::perms::owner_all);
-    MakeFile("config/mimeapps.list", "[Default Applications]\ninode/directory=recorder.desktop\n");
-    MakeFile("data/applications/recorder.desktop",
-             "[Desktop Entry]\nType=Application\nName=Recorder\nExec=" + Path("recorder") +
-                 " %u\nMimeType=inode/directory;\n");
     StartWindow();
     BuildIndex();
 
     Find("f0");
-    driver.DoubleClickRow(*Main(), MainResultsList, 0);
-    driver.RunUntilIdle();
-    for (int wait = 0; wait < 100 && !Exists("recorder.log"); ++wait)
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    EXPECT_EQ(ReadWhole("recorder.log"), Path("tree/docs") + "\n");
+    EXPECT_EQ(OpenFirstRow(), Path("tree/docs") + "\n");
 
     // The walk's root has no folder of its own.
     Find("*tree*");
@@ -181,6 +195,34 @@ TEST_F(SorvantaWindowTest, ADoubleClickOpensTheFolderOfTheRow) {
     driver.RunUntilIdle();
     EXPECT_EQ(said.messages,
               Texts{"Error: The application tried to open a folder that did not exist."});
+}
+
+// The index holds shortened stand-ins of names longer than a record holds; the folder opened is
+// the real one, whichever folders on its path have such names.
+TEST_F(OpenFolderTest, ADoubleClickOpensTheRealFolderOfLongNames) {
+    std::string cjk84;
+    for (int i = 0; i < 84; ++i)
+        cjk84 += "\xE6\x96\x87";
+    const std::string outer = "tree/" + cjk84, inner = outer + "/" + std::string(255, 'y');
+    MakeFiles(inner, 1);
+    MakeFile(inner + "/" + std::string(252, 'x'), "x");
+    StartWindow();
+    BuildIndex();
+    const struct {
+        const char* pattern;
+        std::string folder;
+    } cases[] = {
+        {"f0", inner},
+        {"xxx*", inner},
+        {"yyy*", outer},
+        {"*\xE6\x96\x87", "tree"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.pattern);
+        Find(c.pattern);
+        ASSERT_EQ(driver.GetRowCount(*Main(), MainResultsList), 1);
+        EXPECT_EQ(OpenFirstRow(), Path(c.folder) + "\n");
+    }
 }
 
 // Each addition trims the history to 19 entries, and the close adds the text in the field.

@@ -2,6 +2,7 @@
 
 #include "index/file_index_writer.h"
 #include "index/index_data.h"
+#include "index/long_name.h"
 #include "index/volume_index_builder.h"
 #include "loam/disk_file.h"
 #include "loam/scratch_folder.h"
@@ -130,7 +131,8 @@ protected:
     }
 
     // Builds the index of the roots in one call into a file beside the tree, and reads it back
-    // as a walk would hand it over: a record without a parent is a root.
+    // as a walk would hand it over, with the real paths on the disk: a record without a parent
+    // is a root.
     RecordingWriter BuildIndex() const {
         const loam::FileSpec file((root + "/sorvanta.idx").c_str());
         {
@@ -145,7 +147,7 @@ protected:
         RecordingWriter read;
         for (int32_t ordinal = 0; ordinal < index.GetRecordCount(); ++ordinal) {
             const IndexRecord* record = index.GetRecord(ordinal);
-            const loam::FileSpec path(index.GetPathOf(record).GetCString());
+            const loam::FileSpec path(GetRealPathOf(index, record).GetCString());
             const loam::DateTime modified(record->GetModified());
             if (!record->IsFolder())
                 read.AddFile(path, record->GetSize(), modified);
