@@ -64,16 +64,8 @@ class LongNameTest : public WalkTest {
 protected:
     // The real path of every record of an index of the tree, by its stored path.
     std::map<std::string, std::string> RealPaths() const {
-        const loam::FileSpec file((root + "/sorvanta.idx").c_str());
-        {
-            loam::DiskFile disk;
-            EXPECT_TRUE(disk.OpenFile(file, loam::FileModeWrite));
-            BinaryFileIndexWriter writer(&disk);
-            EXPECT_TRUE(VolumeIndexBuilder(nullptr).RunToCompletion(&writer));
-            writer.Finish();
-        }
         IndexData index;
-        EXPECT_TRUE(index.Load(file));
+        EXPECT_TRUE(index.Load(WriteIndex()));
         std::map<std::string, std::string> paths;
         for (int32_t ordinal = 0; ordinal < index.GetRecordCount(); ++ordinal) {
             const IndexRecord* record = index.GetRecord(ordinal);
@@ -115,14 +107,7 @@ TEST_F(LongNameTest, EntriesSharingAStandInAreToldApartByWhatTheRecordSays) {
 TEST_F(LongNameTest, AnEntryGoneSinceTheBuildKeepsItsStoredName) {
     const std::string longName = std::string(250, 'g') + ".bin";
     MakeFile(longName + "/inner.txt", "1");
-    const loam::FileSpec file((root + "/sorvanta.idx").c_str());
-    {
-        loam::DiskFile disk;
-        ASSERT_TRUE(disk.OpenFile(file, loam::FileModeWrite));
-        BinaryFileIndexWriter writer(&disk);
-        ASSERT_TRUE(VolumeIndexBuilder(nullptr).RunToCompletion(&writer));
-        writer.Finish();
-    }
+    const loam::FileSpec file = WriteIndex();
     std::filesystem::remove_all(Path(longName));
     IndexData index;
     ASSERT_TRUE(index.Load(file));
