@@ -14,6 +14,7 @@ class EditBoxImp;
 class FontImp;
 class GCImp;
 class ListBoxImp;
+class PopupMenuImp;
 class ProgressBarImp;
 class RedrawGCImp;
 class SliderImp;
@@ -51,6 +52,7 @@ public:
     std::unique_ptr<ListBoxImp> CreateListBoxImp();
     std::unique_ptr<DropDownListImp> CreateDropDownListImp();
     std::unique_ptr<BrowseDialogImp> CreateBrowseDialogImp();
+    std::unique_ptr<PopupMenuImp> CreatePopupMenuImp();
     std::unique_ptr<GCImp> CreateGCImp();
     std::unique_ptr<RedrawGCImp> CreateRedrawGCImp();
     std::unique_ptr<FontImp> CreateFontImp();
