@@ -5,6 +5,7 @@
 #include "quilt/gtk/gtk_dialog_imp.h"
 #include "quilt/gtk/gtk_gc_imp.h"
 #include "quilt/gtk/gtk_list_imps.h"
+#include "quilt/gtk/gtk_popup_menu_imp.h"
 #include "quilt/gtk/gtk_support.h"
 #include "quilt/gtk/gtk_window_imp.h"
 #include "quilt/offscreen/offscreen_application_imp.h"
@@ -13,6 +14,7 @@
 #include "quilt/offscreen/offscreen_dialog_imp.h"
 #include "quilt/offscreen/offscreen_gc_imp.h"
 #include "quilt/offscreen/offscreen_list_imps.h"
+#include "quilt/offscreen/offscreen_popup_menu_imp.h"
 #include "quilt/offscreen/offscreen_window_imp.h"
 
 #include <cstdio>
@@ -37,6 +39,7 @@ struct BackendImps {
     std::unique_ptr<ListBoxImp> (*listBox)();
     std::unique_ptr<DropDownListImp> (*dropDownList)();
     std::unique_ptr<BrowseDialogImp> (*browseDialog)();
+    std::unique_ptr<PopupMenuImp> (*popupMenu)();
     std::unique_ptr<GCImp> (*gc)();
     std::unique_ptr<RedrawGCImp> (*redrawGC)();
     std::unique_ptr<FontImp> (*font)();
@@ -74,6 +77,7 @@ constexpr BackendImps headlessImps{
     Make<ListBoxImp, Offscreen_ListBoxImp>,
     Make<DropDownListImp, Offscreen_DropDownListImp>,
     Make<BrowseDialogImp, Offscreen_BrowseDialogImp>,
+    Make<PopupMenuImp, Offscreen_PopupMenuImp>,
     Make<GCImp, Offscreen_GCImp>,
     Make<RedrawGCImp, Offscreen_RedrawGCImp>,
     Make<FontImp, Offscreen_FontImp>,
@@ -101,6 +105,7 @@ constexpr BackendImps desktopImps{
     Make<ListBoxImp, Gtk_ListBoxImp>,
     Make<DropDownListImp, Gtk_DropDownListImp>,
     Make<BrowseDialogImp, Gtk_BrowseDialogImp>,
+    Make<PopupMenuImp, Gtk_PopupMenuImp>,
     Make<GCImp, Gtk_GCImp>,
     Make<RedrawGCImp, Gtk_RedrawGCImp>,
     Make<FontImp, Gtk_FontImp>,
@@ -219,6 +224,10 @@ std::unique_ptr<DropDownListImp> ImpFactory::CreateDropDownListImp() {
 
 std::unique_ptr<BrowseDialogImp> ImpFactory::CreateBrowseDialogImp() {
     return GetImps().browseDialog();
+}
+
+std::unique_ptr<PopupMenuImp> ImpFactory::CreatePopupMenuImp() {
+    return GetImps().popupMenu();
 }
 
 std::unique_ptr<GCImp> ImpFactory::CreateGCImp() {

@@ -18,6 +18,7 @@ class DialogControlImp;
 class IconImp;
 class ImageButtonImp;
 class ListBoxImp;
+class PopupMenuImp;
 class ProgressBarImp;
 class RadioButtonImp;
 class RedrawGCImp;
@@ -58,6 +59,7 @@ public:
     std::unique_ptr<ListBoxImp> CreateListBoxImp();
     std::unique_ptr<DropDownListImp> CreateDropDownListImp();
     std::unique_ptr<BrowseDialogImp> CreateBrowseDialogImp();
+    std::unique_ptr<PopupMenuImp> CreatePopupMenuImp();
     std::unique_ptr<GCImp> CreateGCImp();
     std::unique_ptr<RedrawGCImp> CreateRedrawGCImp();
     std::unique_ptr<FontImp> CreateFontImp();
