@@ -50,6 +50,7 @@ struct BackendImps {
     std::unique_ptr<TabControlImp> (*tabControl)();
     std::unique_ptr<DialogControlImp> (*dialogControl)();
     std::unique_ptr<ImageButtonImp> (*imageButton)();
+    std::unique_ptr<PopupMenuButtonImp> (*popupMenuButton)();
 };
 
 namespace {
@@ -88,6 +89,7 @@ constexpr BackendImps headlessImps{
     Make<TabControlImp, Offscreen_TabControlImp>,
     Make<DialogControlImp, Offscreen_DialogControlImp>,
     Make<ImageButtonImp, Offscreen_ImageButtonImp>,
+    Make<PopupMenuButtonImp, Offscreen_PopupMenuButtonImp>,
 };
 
 constexpr BackendImps desktopImps{
@@ -116,6 +118,7 @@ constexpr BackendImps desktopImps{
     Make<TabControlImp, Gtk_TabControlImp>,
     Make<DialogControlImp, Gtk_DialogControlImp>,
     Make<ImageButtonImp, Gtk_ImageButtonImp>,
+    Make<PopupMenuButtonImp, Gtk_PopupMenuButtonImp>,
 };
 
 // The backends of this build.
@@ -268,6 +271,10 @@ std::unique_ptr<DialogControlImp> ImpFactory::CreateDialogControlImp() {
 
 std::unique_ptr<ImageButtonImp> ImpFactory::CreateImageButtonImp() {
     return GetImps().imageButton();
+}
+
+std::unique_ptr<PopupMenuButtonImp> ImpFactory::CreatePopupMenuButtonImp() {
+    return GetImps().popupMenuButton();
 }
 
 ImpFactory& GetImpFactory() {

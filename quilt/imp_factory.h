@@ -18,6 +18,7 @@ class DialogControlImp;
 class IconImp;
 class ImageButtonImp;
 class ListBoxImp;
+class PopupMenuButtonImp;
 class PopupMenuImp;
 class ProgressBarImp;
 class RadioButtonImp;
@@ -70,6 +71,7 @@ public:
     std::unique_ptr<TabControlImp> CreateTabControlImp();
     std::unique_ptr<DialogControlImp> CreateDialogControlImp();
     std::unique_ptr<ImageButtonImp> CreateImageButtonImp();
+    std::unique_ptr<PopupMenuButtonImp> CreatePopupMenuButtonImp();
 
 private:
     const BackendImps& GetImps();

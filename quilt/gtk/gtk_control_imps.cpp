@@ -538,7 +538,8 @@ bool Gtk_ImageButtonImp::IsPushed() {
            (gtk_widget_get_state_flags(native->inner) & GTK_STATE_FLAG_ACTIVE) != 0;
 }
 
-// The button keeps its label, hidden, for the accessibility layer.
+// The button's label goes, so that the button takes the size it is given; the accessibility
+// layer keeps its text as the button's name.
 bool Gtk_ImageButtonImp::Attach(GtkWidget* native) {
     if (!IsPushButton(native) || !Gtk_WindowImp::Attach(native)) {
         return false;
@@ -546,8 +547,10 @@ bool Gtk_ImageButtonImp::Attach(GtkWidget* native) {
     InstallFurtherControlStyle();
     GtkWidget* button = GetNative()->inner;
     gtk_style_context_add_class(gtk_widget_get_style_context(button), imageButtonClass);
-    if (GtkWidget* label = gtk_bin_get_child(GTK_BIN(button))) {
-        gtk_widget_set_opacity(label, 0);
+    if (GtkWidget* label = gtk_bin_get_child(GTK_BIN(button)); GTK_IS_LABEL(label)) {
+        atk_object_set_name(gtk_widget_get_accessible(button),
+                            gtk_label_get_text(GTK_LABEL(label)));
+        gtk_container_remove(GTK_CONTAINER(button), label);
     }
     g_signal_connect_after(button, "draw", G_CALLBACK(OnDraw), this);
     g_signal_connect(button, "state-flags-changed", G_CALLBACK(OnStateFlags), this);

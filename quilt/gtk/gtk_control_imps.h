@@ -7,6 +7,7 @@
 #include "quilt/edit_box.h"
 #include "quilt/gtk/gtk_window_imp.h"
 #include "quilt/image_button.h"
+#include "quilt/popup_menu_button.h"
 #include "quilt/progress_bar.h"
 #include "quilt/radio_button.h"
 #include "quilt/slider.h"
@@ -158,7 +159,7 @@ protected:
 };
 
 // A GTK button that shows no face of its own: the toolkit paints it over the button.
-class Gtk_ImageButtonImp : public ImageButtonImp, public Gtk_WindowImp {
+class Gtk_ImageButtonImp : public virtual ImageButtonImp, public Gtk_WindowImp {
 public:
     using Gtk_WindowImp::Create;
     bool Create(Window* parent, const Rect& rect, int32_t id) override;
@@ -168,6 +169,11 @@ public:
 private:
     static gboolean OnDraw(GtkWidget* widget, cairo_t* cairo, gpointer imp);
     static void OnStateFlags(GtkWidget* widget, GtkStateFlags previous, gpointer imp);
+};
+
+class Gtk_PopupMenuButtonImp : public PopupMenuButtonImp, public Gtk_ImageButtonImp {
+public:
+    using Gtk_ImageButtonImp::Create;
 };
 
 } // namespace quilt

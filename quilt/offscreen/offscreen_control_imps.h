@@ -9,6 +9,7 @@
 #include "quilt/offscreen/offscreen_controls.h"
 #include "quilt/offscreen/offscreen_further_controls.h"
 #include "quilt/offscreen/offscreen_window_imp.h"
+#include "quilt/popup_menu_button.h"
 #include "quilt/progress_bar.h"
 #include "quilt/radio_button.h"
 #include "quilt/slider.h"
@@ -169,13 +170,18 @@ protected:
 };
 
 // Paints its face whenever the desktop repaints it.
-class Offscreen_ImageButtonImp : public ImageButtonImp, public Offscreen_WindowImp {
+class Offscreen_ImageButtonImp : public virtual ImageButtonImp, public Offscreen_WindowImp {
 public:
     using Offscreen_WindowImp::Create;
     bool Create(Window* parent, const Rect& rect, int32_t id) override;
     bool IsPushed() override;
     bool Attach(OffscreenWindow* window) override;
     bool WindowProc(const OffscreenMessage& message) override;
+};
+
+class Offscreen_PopupMenuButtonImp : public PopupMenuButtonImp, public Offscreen_ImageButtonImp {
+public:
+    using Offscreen_ImageButtonImp::Create;
 };
 
 } // namespace quilt

@@ -1,6 +1,7 @@
 #include "quilt/keys.h"
 #include "quilt/offscreen/offscreen_control_imps.h"
 #include "quilt/offscreen/offscreen_further_controls.h"
+#include "quilt/offscreen/offscreen_popup_menu_imp.h"
 #include "quilt/offscreen/testing/drawing_recorder.h"
 #include "support/further_controls_dialog.h"
 #include "test_application.h"
@@ -33,6 +34,7 @@ class FurtherControlsTest : public TemplateTest {
 protected:
     FurtherControlsTest() : TemplateTest(templates) {
         quilt::RegisterIconTable(icons);
+        quilt::RegisterMenuTemplates(menus);
         opened.clear();
         quilt::SetLinkOpener(RecordOpening);
     }
@@ -387,6 +389,45 @@ TEST_F(FurtherControlsTest, AnImageButtonPaintsItsModeAtOnce) {
     driver.Click(dialog, Arrow);
     Serve();
     EXPECT_EQ(dialog.log.back(), Kind(quilt::MsgClicked, Arrow));
+}
+
+// The handler hears of the menu first, and takes the command back or leaves it to the dialog;
+// the dialog never hears of the click itself.
+TEST_F(FurtherControlsTest, AMenuButtonShowsItsMenuBesideItAndSendsTheCommandChosen) {
+    Open();
+    EXPECT_EQ(dialog.menuButton.GetMode(), quilt::ImageButtonArrow);
+    Rect button = driver.GetControlRect(dialog, MenuButton);
+    const std::tuple<const char*, bool, const char*, std::vector<std::string>> cases[] = {
+        {"taken back", true, "&Rename", {"prepare 4", "handler 2003"}},
+        {"left to the dialog", false, "&Copy", {"prepare 4", "command 2001"}},
+        {"greyed", true, "&Paste", {"prepare 4"}},
+        {"dismissed", false, nullptr, {"prepare 4"}},
+    };
+    for (const auto& [name, returns, item, log] : cases) {
+        dialog.log.clear();
+        dialog.handler.returns = returns;
+        Rect area;
+        driver.OnNextMenu([&, item = item](const quilt::Offscreen_PopupMenuImp& menu) {
+            area = menu.GetArea();
+            EXPECT_EQ(&menu.GetWindow(), &dialog.menuButton);
+            return item != nullptr ? OffscreenDriver::PickMenuItem(item)(menu) : std::nullopt;
+        });
+        driver.Click(dialog, MenuButton);
+        Serve();
+        EXPECT_EQ(dialog.log, log) << name;
+        EXPECT_EQ(area.left, button.GetWidth() + 1) << name;
+        EXPECT_EQ(area.top, 0) << name;
+    }
+    // Without a handler every command goes to the dialog.
+    ASSERT_TRUE(dialog.menuButton.SetMenu(quilt::MenuResource(ActionsMenuId), nullptr));
+    EXPECT_FALSE(dialog.menuButton.SetMenu(quilt::MenuResource(1), nullptr));
+    ASSERT_TRUE(dialog.menuButton.SetMenu(quilt::MenuResource(ActionsMenuId), nullptr));
+    dialog.log.clear();
+    driver.OnNextMenu(OffscreenDriver::PickMenuItem("&Rename"));
+    driver.Click(dialog, MenuButton);
+    Serve();
+    EXPECT_EQ(dialog.log, (std::vector<std::string>{"command 2003"}));
+    EXPECT_EQ(driver.GetMenusShown(), 5);
 }
 
 TEST(IconTest, AnIconDrawsAtItsNaturalSizeAndAnEmptyOneNotAtAll) {

@@ -11,6 +11,8 @@
 #include "quilt/gc.h"
 #include "quilt/icon.h"
 #include "quilt/image_button.h"
+#include "quilt/menu_template.h"
+#include "quilt/popup_menu_button.h"
 #include "quilt/radio_button.h"
 #include "quilt/tab_control.h"
 #include "quilt/url_button.h"
@@ -27,6 +29,7 @@ inline constexpr uint16_t GeneralPageId = 641;
 inline constexpr uint16_t AdvancedPageId = 642;
 inline constexpr uint16_t AboutPageId = 643;
 inline constexpr uint16_t FolderIconId = 650;
+inline constexpr uint16_t ActionsMenuId = 660;
 
 enum ControlId : int32_t {
     Small = 1101,
@@ -40,6 +43,7 @@ enum ControlId : int32_t {
     Checked = 1131,
     Arrow = 1132,
     IconButton = 1133,
+    MenuButton = 1134,
     Swatch = 1140,
     Tabs = 1150,
     PageOption = 1160,
@@ -48,6 +52,9 @@ enum ControlId : int32_t {
     PageLabel = 1163,
     PageFirstChoice = 1164,
     PageSecondChoice = 1165,
+    CopyCommand = 2001,
+    PasteCommand = 2002,
+    RenameCommand = 2003,
 };
 
 using quilt::ControlKind;
@@ -64,6 +71,7 @@ inline constexpr quilt::DialogControlTemplate controls[] = {
     {Checked, ControlKind::PushButton, "Checked", {32, 114, 18, 18}, 0},
     {Arrow, ControlKind::PushButton, "Arrow", {54, 114, 18, 18}, 0},
     {IconButton, ControlKind::PushButton, "Icon", {76, 114, 24, 24}, 0},
+    {MenuButton, ControlKind::PushButton, "Actions", {104, 114, 16, 18}, 0},
     {Swatch, ControlKind::StaticLeft, "", {10, 142, 110, 36}, quilt::StyleBorder},
     {Tabs, ControlKind::TabControl, "", {130, 8, 170, 130}, 0},
     {quilt::IdOK, ControlKind::DefaultPushButton, "OK", {196, 164, 50, 14}, 0},
@@ -94,6 +102,17 @@ inline constexpr quilt::DialogTemplate templates[] = {
     {AboutPageId, "", 156, 100, "MS Sans Serif", 8, 0, aboutControls},
 };
 
+inline constexpr quilt::MenuItemTemplate actionItems[] = {
+    {CopyCommand, "&Copy", 0},
+    {PasteCommand, "&Paste", quilt::MenuItemGreyed},
+    {0, "", quilt::MenuItemSeparator},
+    {RenameCommand, "&Rename", 0},
+};
+
+inline constexpr quilt::MenuTemplate menus[] = {
+    {ActionsMenuId, actionItems},
+};
+
 inline constexpr quilt::IconTableEntry icons[] = {
     {FolderIconId, "folder"},
 };
@@ -105,6 +124,7 @@ inline loam::ResourceId Page(uint16_t id) {
 inline void Register() {
     quilt::RegisterDialogTemplates(templates);
     quilt::RegisterIconTable(icons);
+    quilt::RegisterMenuTemplates(menus);
 }
 
 } // namespace further_controls
@@ -139,6 +159,24 @@ public:
     bool prepared = false;
 };
 
+// Asked by the dialog's menu button; it logs what it hears, and takes the commands back when
+// `returns` says so.
+class ActionsHandler : public quilt::PopupMenuHandler {
+public:
+    explicit ActionsHandler(std::vector<std::string>& sharedLog) : log(sharedLog) {}
+
+    bool PrepareMenu(quilt::PopupMenu& menu) override {
+        log.push_back("prepare " + std::to_string(menu.GetItems().size()));
+        return returns;
+    }
+    void OnMenuCommand(int32_t command) override {
+        log.push_back("handler " + std::to_string(command));
+    }
+
+    std::vector<std::string>& log;
+    bool returns = true;
+};
+
 // What reaches the dialog's map is logged as "kind id".
 class FurtherControlsDialog : public quilt::Dialog {
 public:
@@ -161,6 +199,7 @@ public:
         iconButton.BindToControl(this, IconButton);
         swatch.BindToControl(this, Swatch);
         tabs.BindToControl(this, Tabs);
+        menuButton.BindToControl(this, MenuButton, quilt::MenuResource(ActionsMenuId), &handler);
         Fill();
         if (init) {
             init(*this);
@@ -189,6 +228,10 @@ public:
         log.push_back("apply");
         return true;
     }
+    bool OnAction(int32_t command) {
+        log.push_back("command " + std::to_string(command));
+        return true;
+    }
 
     quilt::RadioButton small;
     quilt::RadioButton medium;
@@ -203,9 +246,11 @@ public:
     quilt::ImageButton iconButton;
     SwatchControl swatch;
     quilt::TabControl tabs;
+    quilt::PopupMenuButton menuButton;
     int32_t serials[3] = {-1, -1, -1};
     std::function<void(FurtherControlsDialog&)> init;
     std::vector<std::string> log;
+    ActionsHandler handler{log};
 
     static const quilt::MessageMapEntry entries[];
     static const quilt::MessageMap messageMap;
@@ -219,6 +264,10 @@ inline const quilt::MessageMapEntry FurtherControlsDialog::entries[] = {
     quilt::Notification(quilt::MsgTabChange, further_controls::Tabs,
                         &FurtherControlsDialog::OnNotification),
     quilt::Command(further_controls::PageApply, &FurtherControlsDialog::OnApply),
+    quilt::CommandRange(further_controls::CopyCommand, further_controls::RenameCommand,
+                        &FurtherControlsDialog::OnAction),
+    quilt::NotificationRange(quilt::MsgClicked, further_controls::MenuButton,
+                             further_controls::MenuButton, &FurtherControlsDialog::OnNotification),
     quilt::EndOfMap,
 };
 inline const quilt::MessageMap FurtherControlsDialog::messageMap{&Dialog::messageMap, entries};
