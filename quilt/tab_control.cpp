@@ -131,9 +131,12 @@ void TabControlImp::ShowPageAt(int32_t position) {
     PlacePage(*shown->page);
 }
 
+// A page already in place is not moved again: a move makes the platform lay out the parent
+// anew, which would give the control its size once more.
 void TabControlImp::PlacePage(Dialog& page) {
     Rect area;
-    if (GetDisplayArea(area)) {
+    Rect present;
+    if (GetDisplayArea(area) && !(page.GetRect(present) && present.Equals(area))) {
         page.SetRect(area, true);
     }
 }

@@ -7,7 +7,7 @@ import re
 import subprocess
 import sys
 
-from sorvanta_desktop import Atspi, Session, check, run, wait_for
+from sorvanta_desktop import Atspi, Session, check, run, wait_for, walk
 
 TITLE = "Further controls"
 SWATCH = (64, 160, 160)
@@ -37,6 +37,12 @@ class ControlsSession(Session):
             defaults.write("[Default Applications]\n"
                            "x-scheme-handler/http=sorvanta-test-links.desktop\n")
         return opened
+
+
+def walk_application(session):
+    """Everything of the program on the screen, its popup menus included."""
+    application = session.application()
+    return walk(application) if application is not None else []
 
 
 def lines_of(path):
@@ -126,6 +132,17 @@ def test(session):
         if node.get_name() == "Further controls of the toolkit" and session.showing(node)])
     check(not session.showing(apply[0]), "the Advanced page went with its tab")
     session.screenshot("about", window)
+
+    session.click(session.control(window, Atspi.Role.PUSH_BUTTON, "Actions"))
+    items = wait_for("the menu's items", lambda: {
+        node.get_name(): node for node in walk_application(session)
+        if node.get_role() == Atspi.Role.MENU_ITEM and session.showing(node)})
+    check(set(items) >= {"Copy", "Paste", "Rename"}, "menu items: %s" % set(items))
+    check(not items["Paste"].get_state_set().contains(Atspi.StateType.SENSITIVE),
+          "Paste is greyed")
+    session.screenshot("menu")
+    session.keys("Escape")
+    wait_for("the menu to go", lambda: not any(session.showing(node) for node in items.values()))
 
     session.focus(window)
     session.keys("Escape")
