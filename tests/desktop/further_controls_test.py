@@ -20,23 +20,7 @@ class ControlsSession(Session):
         return os.path.join(os.environ["SORVANTA_BUILD"], "tests", "further-controls")
 
     def handle_links(self):
-        """Makes the session's default handler for web addresses a script that notes each
-        address it is given, in the file whose path this returns."""
-        opened = os.path.join(self.home, "opened-links")
-        script = os.path.join(self.home, "open-link")
-        with open(script, "w") as handler:
-            handler.write('#!/bin/sh\nprintf "%%s\\n" "$1" >> "%s"\n' % opened)
-        os.chmod(script, 0o700)
-        applications = os.path.join(self.home, "data", "applications")
-        os.makedirs(applications, exist_ok=True)
-        with open(os.path.join(applications, "sorvanta-test-links.desktop"), "w") as entry:
-            entry.write("[Desktop Entry]\nType=Application\nName=Test links\nNoDisplay=true\n"
-                        "Exec=%s %%u\nMimeType=x-scheme-handler/http;\n" % script)
-        os.makedirs(os.path.join(self.home, "config"), exist_ok=True)
-        with open(os.path.join(self.home, "config", "mimeapps.list"), "w") as defaults:
-            defaults.write("[Default Applications]\n"
-                           "x-scheme-handler/http=sorvanta-test-links.desktop\n")
-        return opened
+        return self.handle("x-scheme-handler/http", "links")
 
 
 def walk_application(session):
