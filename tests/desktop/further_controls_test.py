@@ -98,6 +98,22 @@ def test(session):
     check(any(re.fullmatch(r"\d\d/\d\d/\d\d", text) for text in texts), "a short date: %s" % texts)
     check(any(re.fullmatch(r"\d\d:\d\d:\d\d", text) for text in texts), "a time: %s" % texts)
 
+    # The time box's pop-over changes the hour; the box shows the new time at once.
+    toggles = session.controls(window, Atspi.Role.TOGGLE_BUTTON)
+    check(len(toggles) >= 2, "each date and time box has a button")
+    session.click(toggles[1])
+    spins = wait_for("the time's parts", lambda: [
+        node for node in walk_application(session)
+        if node.get_role() == Atspi.Role.SPIN_BUTTON and session.showing(node)])
+    check(len(spins) == 3, "hour, minute and second: %d" % len(spins))
+    Atspi.Value.set_current_value(spins[0], 7)
+    wait_for("the time to show hour 7", lambda: any(
+        text.startswith("07:") for text in
+        [Atspi.Text.get_text(node, 0, -1) for node in session.controls(window, Atspi.Role.TEXT)]))
+    session.screenshot("time-popover")
+    session.keys("Escape")
+    wait_for("the pop-over to go", lambda: not session.showing(spins[0]))
+
     session.click(session.control(window, Atspi.Role.LABEL, "example.com/sorvanta"))
     wait_for("the link to be opened", lambda: lines_of(opened))
     check(lines_of(opened) == ["http://example.com/sorvanta"], "opened: %s" % lines_of(opened))
