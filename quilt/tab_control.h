@@ -26,6 +26,7 @@ struct TabPage {
 // notifications, and a change of tab by the user as MsgTabChange. The control owns its pages.
 class TabControlImp : public virtual WindowImp {
 public:
+    using WindowImp::Create;
     ~TabControlImp() override;
 
     // The page is made on its template inside the control's parent and goes behind the last
