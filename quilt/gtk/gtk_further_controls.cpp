@@ -14,6 +14,7 @@ namespace quilt {
 namespace {
 
 constexpr char partnerKey[] = "quilt-radio-partner";
+constexpr char programStateKey[] = "quilt-radio-checked"; // what the program last set
 constexpr char dateTimeKey[] = "quilt-date-time";
 // Until GTK has given the notebook its size, a page is placed below a tab row of this height.
 constexpr int32_t assumedTabHeight = 30;
@@ -57,11 +58,10 @@ void OnRadioClicked(GtkButton* button, gpointer) {
     }
     bool automatic = (native->style & StyleAutoCheck) != 0;
     bool checked = gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(button));
-    Quietly(widget, [&] {
-        if (!automatic) {
-            SetButtonChecked(widget, false);
-        }
-    });
+    if (!automatic) {
+        bool set = g_object_get_data(G_OBJECT(widget), programStateKey) != nullptr;
+        Quietly(widget, [&] { SetButtonChecked(widget, set); });
+    }
     if (automatic && checked) {
         GtkWidget* area = gtk_widget_get_parent(widget);
         GList* children = gtk_container_get_children(GTK_CONTAINER(area));
@@ -235,9 +235,12 @@ int32_t GetRadioState(GtkWidget* control) {
 }
 
 void SetRadioState(GtkWidget* control, bool checked) {
-    if (IsRadioButton(control)) {
-        Quietly(control, [&] { SetButtonChecked(FindNative(control)->inner, checked); });
+    if (!IsRadioButton(control)) {
+        return;
     }
+    GtkWidget* button = FindNative(control)->inner;
+    g_object_set_data(G_OBJECT(button), programStateKey, checked ? button : nullptr);
+    Quietly(control, [&] { SetButtonChecked(button, checked); });
 }
 
 bool IsDateTimePicker(GtkWidget* control) {

@@ -209,6 +209,7 @@ public:
     void Fill() {
         using namespace further_controls;
         medium.SetChecked(true);
+        manual.SetChecked(true);
         date.SetFormat(quilt::DateTimeFormatShortDate);
         time.SetFormat(quilt::DateTimeFormatTime24Seconds);
         unchecked.SetMode(quilt::ImageButtonUnchecked);
