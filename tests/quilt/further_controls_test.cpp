@@ -177,6 +177,12 @@ TEST(DateTimePictureTest, EachKindBuildsItsPicture) {
     }
 }
 
+// A test program runs in the C locale, whose formats are "%H:%M:%S" and "%m/%d/%y".
+TEST(DateTimePictureTest, TheLocalesFormatsBecomePictures) {
+    EXPECT_STREQ(quilt::GetLocaleTimeSeparator().GetCString(), ":");
+    EXPECT_STREQ(quilt::GetLocaleShortDateFormat().GetCString(), "MM/dd/yy");
+}
+
 // Reading or writing one half keeps the other.
 TEST_F(FurtherControlsTest, TheDateAndTheTimeOfABoxChangeApart) {
     Open();
