@@ -16,6 +16,7 @@ namespace quilt {
 
 class Dialog;
 class Offscreen_BrowseDialogImp;
+class Offscreen_PopupMenuImp;
 class Window;
 
 // Drives the offscreen backend in a test, on a virtual clock: posts what a user does, runs the
@@ -158,6 +159,19 @@ public:
     // no answer waiting is cancelled.
     void OnNextFolderChoice(FolderAnswer answer);
 
+    // The place from the top of the item picked in a popup menu, or none to dismiss it.
+    using MenuAnswer = std::function<std::optional<size_t>(const Offscreen_PopupMenuImp&)>;
+    // Answers the next popup menu, in the order they come up: `answer` may read the items, the
+    // window and the place, and picks an item or dismisses the menu. A menu with no answer
+    // waiting is dismissed.
+    void OnNextMenu(MenuAnswer answer);
+    // An answer that picks the item whose text, with its '&', is `text`; none is picked when no
+    // item has it.
+    static MenuAnswer PickMenuItem(const char* text);
+    // How many popup menus have come up since the driver was made.
+    int32_t GetMenusShown() const { return menusShown; }
+    size_t GetWaitingMenuAnswers() const { return menuAnswers.size(); }
+
 private:
     enum class RunEnd { Rest, Condition, Limit };
 
@@ -174,11 +188,14 @@ private:
                        std::optional<uint32_t> at);
     void OnModal(OffscreenWindow& window);
     std::optional<loam::String> AnswerFolderChoice(Offscreen_BrowseDialogImp& chooser);
+    std::optional<size_t> AnswerMenu(const Offscreen_PopupMenuImp& menu);
 
     VirtualClock clock;
     OffscreenDesktop& desktop;
     std::deque<std::function<void(Dialog&)>> modalActions;
     std::deque<FolderAnswer> folderAnswers;
+    std::deque<MenuAnswer> menuAnswers;
+    int32_t menusShown = 0;
 };
 
 } // namespace quilt
