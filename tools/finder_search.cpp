@@ -1,0 +1,127 @@
+#include "tools/finder_search.h"
+
+#include "index/index_format.h"
+#include "loam/error.h"
+
+#include <sys/stat.h>
+
+namespace {
+
+constexpr char gaveUpText[] = "The search was ended early because the regular expression you "
+                              "have entered is too complex to match some names.";
+
+// The path is the index's bytes as they stand, whatever their encoding: the entry is asked
+// after itself, a link included, never after what a link points to.
+bool StillExists(const loam::String& path) {
+    struct stat status {};
+    return ::lstat(path.GetCString(), &status) == 0;
+}
+
+} // namespace
+
+FinderSearch::Outcome FinderSearch::Run(const loam::FileSpec& indexFile) {
+    found.clear();
+    gaveUp = false;
+    sifts = query.existingOnly || (!query.matchPath && query.patterns.size() > 1);
+    const bool keeps = !query.countOnly || sifts || query.matchPath;
+    if (!index.Scan(indexFile, keeps ? ScanMatches::Kept : ScanMatches::Counted))
+        return Outcome::IndexFailed;
+    const bool started = Start();
+    bool searching = started;
+    while (index.GetRecordCount() > 0) {
+        if (searching)
+            searching = SearchWindow();
+        if (!index.TakeNextWindow())
+            return Outcome::IndexFailed;
+    }
+    if (!started)
+        return Outcome::PatternRefused;
+    if (!gaveUp)
+        return Outcome::Searched;
+    loam::RaiseError(loam::ErrorGeneral, gaveUpText);
+    return Outcome::GaveUp;
+}
+
+int32_t FinderSearch::GetFoundCount() const {
+    return sifts ? static_cast<int32_t>(found.size()) : index.GetResultCount();
+}
+
+const IndexRecord* FinderSearch::GetFound(int32_t i) const {
+    return sifts ? found[static_cast<size_t>(i)] : index.GetResult(i);
+}
+
+bool FinderSearch::Start() {
+    if (query.patterns.empty())
+        return loam::RaiseError(loam::ErrorGeneral, SearchSyntaxErrorText);
+    if (query.matchPath) {
+        index.ClearResults();
+        return patterns.Compile(query.patterns, query.isRegExp, query.autoWildcards);
+    }
+    const std::vector<loam::String> others(query.patterns.begin() + 1, query.patterns.end());
+    return searcher.Start(&index, query.patterns.front(), query.isRegExp, query.autoWildcards) &&
+           patterns.Compile(others, query.isRegExp, query.autoWildcards);
+}
+
+// False when the search has ended before the end of the window: the search pass ends so when
+// its matcher gives up on a name, and a sifting pattern does the same, with an error.
+bool FinderSearch::SearchWindow() {
+    const int32_t first = index.GetResultCount();
+    bool passed = true;
+    if (query.matchPath) {
+        passed = MatchPaths();
+    } else {
+        searcher.RunToEnd(nullptr);
+        passed = searcher.Rewind();
+    }
+    return Sift(first) && passed;
+}
+
+// Paths are built as the index builds them, but entries come in index order and most share
+// their folder with the one before, so the folder is walked up to only when it changes.
+bool FinderSearch::MatchPaths() {
+    loam::FileSpec folder, path;
+    uint32_t parentOfFolder = IndexNoParent;
+    for (int32_t ordinal = 0; ordinal < index.GetRecordCount(); ++ordinal) {
+        const IndexRecord* record = index.GetRecord(ordinal);
+        if (ordinal == 0 || record->GetParent() != parentOfFolder) {
+            index.GetFolderOf(record, folder);
+            parentOfFolder = record->GetParent();
+        }
+        path = folder;
+        path.Append(record->GetName());
+        const PatternSet::Verdict verdict = patterns.Match(path.GetPath().GetCString());
+        gaveUp = verdict == PatternSet::Verdict::GaveUp;
+        if (gaveUp)
+            return false;
+        if (verdict == PatternSet::Verdict::Matched)
+            index.AddResult(record);
+    }
+    return true;
+}
+
+// Takes the window's new matches that pass the other patterns and the existence check.
+bool FinderSearch::Sift(int32_t first) {
+    if (!sifts)
+        return true;
+    for (int32_t i = first; i < index.GetResultCount(); ++i) {
+        const IndexRecord* record = index.GetResult(i);
+        const PatternSet::Verdict verdict = Judge(record);
+        gaveUp = verdict == PatternSet::Verdict::GaveUp;
+        if (gaveUp)
+            return false;
+        if (verdict == PatternSet::Verdict::Matched)
+            found.push_back(record);
+    }
+    return true;
+}
+
+PatternSet::Verdict FinderSearch::Judge(const IndexRecord* record) {
+    if (!query.matchPath) {
+        const PatternSet::Verdict verdict = patterns.Match(record->GetName());
+        if (verdict != PatternSet::Verdict::Matched)
+            return verdict;
+    }
+    if (query.existingOnly && !StillExists(index.GetPathOf(record)))
+        return PatternSet::Verdict::NotMatched;
+    return PatternSet::Verdict::Matched;
+}
