@@ -2,14 +2,13 @@
 
 #include "loam/error.h"
 #include "search/index_searcher.h"
-#include "search/name_automaton.h"
 
-bool PatternSet::Compile(const std::vector<loam::String>& patterns, bool isRegExp,
+bool PatternSet::Compile(const std::vector<loam::String>& texts, bool isRegExp,
                          bool autoWildcards) {
-    expressions.clear();
-    for (const loam::String& pattern : patterns) {
-        if (!Add(IndexSearcher::MakeExpression(pattern, isRegExp, autoWildcards))) {
-            expressions.clear();
+    patterns.clear();
+    for (const loam::String& text : texts) {
+        if (!Add(IndexSearcher::MakeExpression(text, isRegExp, autoWildcards))) {
+            patterns.clear();
             return loam::RaiseError(loam::ErrorGeneral, SearchSyntaxErrorText);
         }
     }
@@ -20,27 +19,40 @@ bool PatternSet::Compile(const std::vector<loam::String>& patterns, bool isRegEx
 bool PatternSet::Add(const loam::String& text) {
     if (text.IsEmpty())
         return false;
+    Pattern& pattern = patterns.emplace_back();
     try {
-        expressions.emplace_back(text.GetCString(), text.GetCString() + text.GetLength(),
-                                 SearchSyntax);
-        return true;
+        pattern.expression.assign(text.GetCString(), text.GetCString() + text.GetLength(),
+                                  SearchSyntax);
     } catch (...) {
         return false;
     }
+    pattern.hasAutomaton = pattern.automaton.Build(text.GetCString());
+    return true;
 }
 
+// The library's matcher throws when it gives up; the automaton never does.
 PatternSet::Verdict PatternSet::Match(const char* text) {
-    folded.Assign(text);
-    folded.ToLower();
-    const char* first = folded.GetCString();
-    const char* last = first + folded.GetLength();
+    isFolded = false;
     try {
-        for (const boost::regex& expression : expressions) {
-            if (!boost::regex_match(first, last, match, expression, SearchMatchFlags))
+        for (const Pattern& pattern : patterns) {
+            const bool matched = pattern.hasAutomaton ? pattern.automaton.Matches(text)
+                                                      : MatchesFolded(pattern.expression, text);
+            if (!matched)
                 return Verdict::NotMatched;
         }
     } catch (...) {
         return Verdict::GaveUp;
     }
     return Verdict::Matched;
+}
+
+bool PatternSet::MatchesFolded(const boost::regex& expression, const char* text) {
+    if (!isFolded) {
+        folded.Assign(text);
+        folded.ToLower();
+        isFolded = true;
+    }
+    const char* first = folded.GetCString();
+    return boost::regex_match(first, first + folded.GetLength(), match, expression,
+                              SearchMatchFlags);
 }

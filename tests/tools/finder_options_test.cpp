@@ -78,6 +78,8 @@ TEST_F(FinderOptionsTest, EveryPatternMustMatchTheName) {
          {0, Lines({lineBreak}, std::string(1, '\0')), ""}},
         {{"-d", index, "-R", "-w", "\xe9", "caf"}, {0, Lines({latin1}), ""}},
         {{"-d", index, "-R", "-w", "caf\xc3\xa9"}, {1, "", ""}},
+        {{"-d", index, "-r", ".*readme.*", "(?!.*md).*"},
+         {0, Lines({"tree/docs/readme.txt", "tree/docs/Old README.txt"}), ""}},
         {{"-d", index, "-r", "readme.*", "foo("}, {2, "", syntaxError}},
         {{"-d", index, "-R", "-W", "*", ""}, {2, "", syntaxError}},
     });
@@ -97,6 +99,8 @@ TEST_F(FinderOptionsTest, PathsMatchWholeWithTheSameRules) {
         {{"-d", index, "-p", "-R", "-W", "*/src"}, {0, Lines({"tree/src"}), ""}},
         {{"-d", index, "-p", "-r", ".*/src"}, {0, Lines({"tree/src"}), ""}},
         {{"-d", index, "-p", "-r", "src"}, {1, "", ""}},
+        {{"-d", index, "-p", "-r", "(?=.*/src/).*readme.*"},
+         {0, Lines({"tree/src/readme.md"}), ""}},
         {{"-d", index, "-p", "-r", Path("tree")}, {0, Lines({"tree"}), ""}},
         {{"-d", index, "-p", "-R", "-w", "/src/", "readme"},
          {0, Lines({"tree/src/readme.md"}), ""}},
