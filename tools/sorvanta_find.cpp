@@ -308,6 +308,7 @@ int RunSearch(const Request& request) {
     int32_t shown = 0;
     bool matched = false;
     bool failed = false;
+    bool searched = false;
     for (const loam::FileSpec& file : files) {
         const IndexLabel label(file, files.size());
         FinderSearch search(query);
@@ -319,6 +320,7 @@ int RunSearch(const Request& request) {
                 break;
             continue;
         }
+        searched = true;
         const int32_t found = search.GetFoundCount();
         const int32_t count = std::min(found, request.limit - shown);
         matched = matched || found > 0;
@@ -328,7 +330,8 @@ int RunSearch(const Request& request) {
         if (matched && shown >= request.limit)
             break;
     }
-    if (request.countOnly) {
+    // A count that no index gave would be no answer.
+    if (request.countOnly && searched) {
         char text[16];
         const int length = std::snprintf(text, sizeof text, "%d\n", shown);
         output.Write(text, static_cast<size_t>(length));

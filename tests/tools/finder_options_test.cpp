@@ -111,6 +111,24 @@ TEST_F(FinderOptionsTest, PathsMatchWholeWithTheSameRules) {
     });
 }
 
+// A name or a path on which the expression's library gives up ends the search with an error,
+// never with "nothing matched".
+TEST_F(FinderOptionsTest, AGivenUpMatchIsAnError) {
+    WriteIndex("long.idx", {"long", "long/" + std::string(60, 'a')});
+    const std::string index = Path("long.idx");
+    const std::string backtracking = ".*(a|aa)*\\1b";
+    const std::string gaveUpText = "The search was ended early because the regular expression "
+                                   "you have entered is too complex to match some names.";
+    const std::string gaveUp = Said(gaveUpText);
+    ExpectRuns({
+        {{"-d", index, "-p", "-r", backtracking}, {2, "", gaveUp}},
+        {{"-d", index, "-r", ".*", backtracking}, {2, "", gaveUp}},
+        {{"-d", index, "-c", "-r", "a*", backtracking}, {2, "", gaveUp}},
+        {{"-d", index + ":" + Path("other.idx"), "-c", "-r", ".*", backtracking},
+         {2, "0\n", Said(index + ": " + gaveUpText)}},
+    });
+}
+
 // The entries are asked after under the index's bytes, and a link after itself.
 TEST_F(FinderOptionsTest, ExistingLeavesOutWhatIsGone) {
     const std::string index = Path("index.idx");
