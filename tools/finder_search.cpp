@@ -1,7 +1,7 @@
 #include "tools/finder_search.h"
 
-#include "index/index_format.h"
 #include "loam/error.h"
+#include "tools/paths_in_order.h"
 
 #include <sys/stat.h>
 
@@ -76,20 +76,11 @@ bool FinderSearch::SearchWindow() {
     return Sift(first) && passed;
 }
 
-// Paths are built as the index builds them, but entries come in index order and most share
-// their folder with the one before, so the folder is walked up to only when it changes.
 bool FinderSearch::MatchPaths() {
-    loam::FileSpec folder, path;
-    uint32_t parentOfFolder = IndexNoParent;
+    PathsInOrder paths(index);
     for (int32_t ordinal = 0; ordinal < index.GetRecordCount(); ++ordinal) {
         const IndexRecord* record = index.GetRecord(ordinal);
-        if (ordinal == 0 || record->GetParent() != parentOfFolder) {
-            index.GetFolderOf(record, folder);
-            parentOfFolder = record->GetParent();
-        }
-        path = folder;
-        path.Append(record->GetName());
-        const PatternSet::Verdict verdict = patterns.Match(path.GetPath().GetCString());
+        const PatternSet::Verdict verdict = patterns.Match(paths.GetPath(record).GetCString());
         gaveUp = verdict == PatternSet::Verdict::GaveUp;
         if (gaveUp)
             return false;

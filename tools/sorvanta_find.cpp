@@ -12,6 +12,7 @@
 #include "search/index_searcher.h"
 #include "tools/finder_search.h"
 #include "tools/index_list.h"
+#include "tools/paths_in_order.h"
 
 #include <getopt.h>
 
@@ -264,22 +265,11 @@ bool CountIndex(IndexData& index, const loam::FileSpec& file) {
     return scanned;
 }
 
-// Paths are built only for what is printed, and no longer once the output has failed. They are
-// built as IndexData::GetPathOf builds them, but results come in index order and most share
-// their folder with the one before, so the folder is walked up to only when it changes.
+// Paths are built only for what is printed, and no longer once the output has failed.
 bool WritePaths(Output& output, const FinderSearch& search, int32_t count, char terminator) {
-    const IndexData& index = search.GetIndex();
-    loam::FileSpec folder, path;
-    uint32_t parentOfFolder = IndexNoParent;
+    PathsInOrder paths(search.GetIndex());
     for (int32_t i = 0; i < count; ++i) {
-        const IndexRecord* record = search.GetFound(i);
-        if (i == 0 || record->GetParent() != parentOfFolder) {
-            index.GetFolderOf(record, folder);
-            parentOfFolder = record->GetParent();
-        }
-        path = folder;
-        path.Append(record->GetName());
-        const loam::String& text = path.GetPath();
+        const loam::String& text = paths.GetPath(search.GetFound(i));
         if (!output.Write(text.GetCString(), static_cast<size_t>(text.GetLength())) ||
             !output.Write(&terminator, 1))
             return false;
