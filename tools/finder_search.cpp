@@ -7,9 +7,6 @@
 
 namespace {
 
-constexpr char gaveUpText[] = "The search was ended early because the regular expression you "
-                              "have entered is too complex to match some names.";
-
 // The path is the index's bytes as they stand, whatever their encoding: the entry is asked
 // after itself, a link included, never after what a link points to.
 bool StillExists(const loam::String& path) {
@@ -36,10 +33,7 @@ FinderSearch::Outcome FinderSearch::Run(const loam::FileSpec& indexFile) {
     }
     if (!started)
         return Outcome::PatternRefused;
-    if (!gaveUp)
-        return Outcome::Searched;
-    loam::RaiseError(loam::ErrorGeneral, gaveUpText);
-    return Outcome::GaveUp;
+    return gaveUp ? Outcome::GaveUp : Outcome::Searched;
 }
 
 int32_t FinderSearch::GetFoundCount() const {
@@ -62,17 +56,15 @@ bool FinderSearch::Start() {
            patterns.Compile(others, query.isRegExp, query.autoWildcards);
 }
 
-// False when the search has ended before the end of the window: the search pass ends so when
-// its matcher gives up on a name, and a sifting pattern does the same, with an error.
+// False when the search has ended before the end of the window, because a matcher gave up on a
+// name or a path.
 bool FinderSearch::SearchWindow() {
     const int32_t first = index.GetResultCount();
-    bool passed = true;
-    if (query.matchPath) {
-        passed = MatchPaths();
-    } else {
-        searcher.RunToEnd(nullptr);
-        passed = searcher.Rewind();
-    }
+    if (query.matchPath)
+        return MatchPaths() && Sift(first);
+    searcher.RunToEnd(nullptr);
+    const bool passed = searcher.Rewind();
+    gaveUp = !passed;
     return Sift(first) && passed;
 }
 
@@ -81,9 +73,10 @@ bool FinderSearch::MatchPaths() {
     for (int32_t ordinal = 0; ordinal < index.GetRecordCount(); ++ordinal) {
         const IndexRecord* record = index.GetRecord(ordinal);
         const PatternSet::Verdict verdict = patterns.Match(paths.GetPath(record).GetCString());
-        gaveUp = verdict == PatternSet::Verdict::GaveUp;
-        if (gaveUp)
+        if (verdict == PatternSet::Verdict::GaveUp) {
+            gaveUp = true;
             return false;
+        }
         if (verdict == PatternSet::Verdict::Matched)
             index.AddResult(record);
     }
@@ -97,9 +90,10 @@ bool FinderSearch::Sift(int32_t first) {
     for (int32_t i = first; i < index.GetResultCount(); ++i) {
         const IndexRecord* record = index.GetResult(i);
         const PatternSet::Verdict verdict = Judge(record);
-        gaveUp = verdict == PatternSet::Verdict::GaveUp;
-        if (gaveUp)
+        if (verdict == PatternSet::Verdict::GaveUp) {
+            gaveUp = true;
             return false;
+        }
         if (verdict == PatternSet::Verdict::Matched)
             found.push_back(record);
     }

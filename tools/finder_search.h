@@ -34,8 +34,10 @@ public:
     FinderSearch(const FinderSearch&) = delete;
     FinderSearch& operator=(const FinderSearch&) = delete;
 
-    // Anything but Searched has its reason on the error stack. A refused pattern is told only
-    // of an index that reads whole: a damaged record's failure goes on top of the pattern's.
+    // A failed index and a refused pattern have their reason on the error stack. A refused
+    // pattern is told only of an index that reads whole: a damaged record's failure goes on top
+    // of the pattern's. When a matcher gave up on a name or a path, the search ended there, and
+    // what it found before stands.
     Outcome Run(const loam::FileSpec& indexFile);
 
     // The matches, in index order, and the index that tells their paths.

@@ -71,6 +71,7 @@ const char helpText[] =
     "An index that cannot be read is an error; the other indexes are searched all the same.\n";
 
 const char noIndexText[] = "No index available.";
+const char gaveUpText[] = "the expression was too complex for a name, and the search stopped there";
 
 enum Action { ActionSearch, ActionStatus, ActionDump, ActionHelp, ActionVersion };
 
@@ -291,7 +292,9 @@ FinderQuery MakeQuery(const Request& request) {
 
 // Each index is read whole before any of its paths is printed: a file refused at its end shows
 // the refusal alone, as the loader would. An index that fails is told, and the others are
-// searched all the same; a refused pattern would be refused by all of them.
+// searched all the same; a refused pattern would be refused by all of them. What a search that
+// stopped early found is printed, as the window shows it, but it is no answer to the whole
+// question.
 int RunSearch(const Request& request) {
     const std::vector<loam::FileSpec> files = request.indexes.GetFiles();
     const FinderQuery query = MakeQuery(request);
@@ -304,7 +307,8 @@ int RunSearch(const Request& request) {
         const IndexLabel label(file, files.size());
         FinderSearch search(query);
         const FinderSearch::Outcome outcome = search.Run(file);
-        if (outcome != FinderSearch::Outcome::Searched) {
+        if (outcome == FinderSearch::Outcome::IndexFailed ||
+            outcome == FinderSearch::Outcome::PatternRefused) {
             failed = true;
             FailWithTopError();
             if (outcome == FinderSearch::Outcome::PatternRefused)
@@ -318,6 +322,10 @@ int RunSearch(const Request& request) {
         shown += count;
         if (!request.countOnly && !WritePaths(output, search, count, request.terminator))
             break;
+        if (outcome == FinderSearch::Outcome::GaveUp) {
+            failed = true;
+            Fail(gaveUpText);
+        }
         if (matched && shown >= request.limit)
             break;
     }
