@@ -1,5 +1,6 @@
 #include "tools/finder_search.h"
 
+#include "index/long_name.h"
 #include "loam/error.h"
 #include "tools/paths_in_order.h"
 
@@ -7,8 +8,8 @@
 
 namespace {
 
-// The path is the index's bytes as they stand, whatever their encoding: the entry is asked
-// after itself, a link included, never after what a link points to.
+// The path is the bytes of the disk's names as they stand, whatever their encoding: the entry is
+// asked after itself, a link included, never after what a link points to.
 bool StillExists(const loam::String& path) {
     struct stat status {};
     return ::lstat(path.GetCString(), &status) == 0;
@@ -69,7 +70,8 @@ bool FinderSearch::SearchWindow() {
 }
 
 bool FinderSearch::MatchPaths() {
-    PathsInOrder paths(index);
+    // A search matches the names that the index stores.
+    PathsInOrder paths(index, PathsInOrder::Names::Stored);
     for (int32_t ordinal = 0; ordinal < index.GetRecordCount(); ++ordinal) {
         const IndexRecord* record = index.GetRecord(ordinal);
         const PatternSet::Verdict verdict = patterns.Match(paths.GetPath(record).GetCString());
@@ -106,7 +108,7 @@ PatternSet::Verdict FinderSearch::Judge(const IndexRecord* record) {
         if (verdict != PatternSet::Verdict::Matched)
             return verdict;
     }
-    if (query.existingOnly && !StillExists(index.GetPathOf(record)))
+    if (query.existingOnly && !StillExists(GetRealPathOf(index, record)))
         return PatternSet::Verdict::NotMatched;
     return PatternSet::Verdict::Matched;
 }

@@ -267,9 +267,10 @@ bool CountIndex(IndexData& index, const loam::FileSpec& file) {
     return scanned;
 }
 
-// Paths are built only for what is printed, and no longer once the output has failed.
+// Paths are built only for what is printed, and no longer once the output has failed. They are
+// the real paths on the disk, as GetRealPathOf builds them.
 bool WritePaths(Output& output, const FinderSearch& search, int32_t count, char terminator) {
-    PathsInOrder paths(search.GetIndex());
+    PathsInOrder paths(search.GetIndex(), PathsInOrder::Names::Real);
     for (int32_t i = 0; i < count; ++i) {
         const loam::String& text = paths.GetPath(search.GetFound(i));
         if (!output.Write(text.GetCString(), static_cast<size_t>(text.GetLength())) ||

@@ -152,6 +152,20 @@ TEST_F(FinderOptionsTest, ExistingLeavesOutWhatIsGone) {
     });
 }
 
+// The index holds a shortened stand-in for a name longer than a record; a path is matched as the
+// index holds it, and printed and looked up on the disk as the disk names it.
+TEST_F(FinderOptionsTest, ALongNameIsMatchedAsStoredAndLookedUpAsReal) {
+    const std::string name = "long/" + std::string(251, 'x') + ".txt";
+    std::filesystem::create_directory(Path("long"));
+    MakeFile(name, "");
+    WriteIndex("long.idx", {"long", name});
+    const std::string index = Path("long.idx");
+    ExpectRuns({
+        {{"-d", index, "-e", "-R", "-W", "*.txt"}, {0, Lines({name}), ""}},
+        {{"-d", index, "-e", "-p", "-R", "-W", "*/long/x*x.txt"}, {0, Lines({name}), ""}},
+    });
+}
+
 TEST_F(FinderOptionsTest, SeveralIndexesAnswerInTurn) {
     std::filesystem::create_directories(Path("data/Wendlemark/Sorvanta"));
     std::filesystem::copy_file(Path("index.idx"), Path("data/Wendlemark/Sorvanta/sorvanta.idx"));
