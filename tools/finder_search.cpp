@@ -2,6 +2,7 @@
 
 #include "index/long_name.h"
 #include "loam/error.h"
+#include "search/candidate_search.h"
 #include "tools/paths_in_order.h"
 
 #include <sys/stat.h>
@@ -21,6 +22,9 @@ FinderSearch::Outcome FinderSearch::Run(const loam::FileSpec& indexFile) {
     found.clear();
     gaveUp = false;
     sifts = query.existingOnly || (!query.matchPath && query.patterns.size() > 1);
+    if (!query.matchPath && SearchCandidates(index, indexFile, query.patterns.front(),
+                                             query.isRegExp, query.autoWildcards))
+        return SiftCandidates();
     const bool keeps = !query.countOnly || sifts || query.matchPath;
     if (!index.Scan(indexFile, keeps ? ScanMatches::Kept : ScanMatches::Counted))
         return Outcome::IndexFailed;
@@ -37,6 +41,15 @@ FinderSearch::Outcome FinderSearch::Run(const loam::FileSpec& indexFile) {
     return gaveUp ? Outcome::GaveUp : Outcome::Searched;
 }
 
+// The trigram file led to the few records that the first pattern may find, and the search pass
+// found its matches among them.
+FinderSearch::Outcome FinderSearch::SiftCandidates() {
+    const std::vector<loam::String> others(query.patterns.begin() + 1, query.patterns.end());
+    if (!patterns.Compile(others, query.isRegExp, query.autoWildcards))
+        return Outcome::PatternRefused;
+    return Sift(0) ? Outcome::Searched : Outcome::GaveUp;
+}
+
 int32_t FinderSearch::GetFoundCount() const {
     return sifts ? static_cast<int32_t>(found.size()) : index.GetResultCount();
 }
@@ -46,8 +59,6 @@ const IndexRecord* FinderSearch::GetFound(int32_t i) const {
 }
 
 bool FinderSearch::Start() {
-    if (query.patterns.empty())
-        return loam::RaiseError(loam::ErrorGeneral, SearchSyntaxErrorText);
     if (query.matchPath) {
         index.ClearResults();
         return patterns.Compile(query.patterns, query.isRegExp, query.autoWildcards);

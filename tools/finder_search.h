@@ -11,7 +11,7 @@
 
 // What the finder asks of each entry of an index.
 struct FinderQuery {
-    // A name, or with matchPath the whole path, must match every one of them.
+    // One or more: a name, or with matchPath the whole path, must match every one of them.
     std::vector<loam::String> patterns;
     bool isRegExp = false;
     bool autoWildcards = false;
@@ -23,9 +23,9 @@ struct FinderQuery {
 };
 
 // One search of the finder over one index file, which is read once, a window of records at a
-// time. The first pattern of a name search goes to the search pass, with all its shortcuts; the
-// others and the existence check sift what it found. A path search builds every entry's path
-// and matches it against all the patterns.
+// time, or only where the index's trigram file leads. The first pattern of a name search goes to
+// the search pass, with all its shortcuts; the others and the existence check sift what it found. A
+// path search builds every entry's path and matches it against all the patterns.
 class FinderSearch {
 public:
     enum class Outcome { Searched, IndexFailed, PatternRefused, GaveUp };
@@ -46,6 +46,7 @@ public:
     const IndexData& GetIndex() const { return index; }
 
 private:
+    Outcome SiftCandidates();
     bool Start();
     bool SearchWindow();
     bool MatchPaths();
