@@ -194,6 +194,14 @@ bool DialogImp::OnDialogKey(KeyEventKind kind, int32_t key, uint32_t modifiers, 
     if (kind == KeyEventUp) {
         return false;
     }
+    // The character of a mnemonic's key is no typing.
+    if (kind == KeyEventChar && takenMnemonic != 0 && std::toupper(key) == takenMnemonic) {
+        takenMnemonic = 0;
+        return true;
+    }
+    if (kind == KeyEventDown) {
+        takenMnemonic = 0;
+    }
     bool mnemonic = kind == KeyEventDown && (modifiers & ModifierAlt) != 0 && key < 128 &&
                     std::isalnum(key) != 0;
     const DialogKey* dialogKey = FindDialogKey(key, modifiers);
@@ -212,6 +220,7 @@ bool DialogImp::OnDialogKey(KeyEventKind kind, int32_t key, uint32_t modifiers, 
         bool known = std::any_of(controls.begin(), controls.end(),
                                  [key](const DialogControl& c) { return c.mnemonic == key; });
         if (known) {
+            takenMnemonic = key;
             PressMnemonic(key, modifiers);
         }
         return known;

@@ -211,6 +211,8 @@ private:
     bool deletionPending = false;
     int32_t deferDepth = 0;
     std::vector<std::pair<int32_t, Rect>> deferredMoves;
+    // The key of the mnemonic last taken, whose character follows.
+    int32_t takenMnemonic = 0;
     // The modal runs under way, the innermost last.
     static std::vector<DialogImp*> modalRuns;
 };
