@@ -4,16 +4,11 @@ that the options dialog shows, fits the screen, and stands centred on the option
 import os
 import sys
 
-from sorvanta_desktop import Atspi, Session, check, run, text_of, wait_for
+from sorvanta_desktop import Atspi, Session, check, end_with_escape, extents, run, text_of, wait_for
 
 TITLE = "Sorvanta - v1.14"
 CAPTION = "Select index location..."
 SCREEN = (1280, 800)
-
-
-def extents(node):
-    box = node.get_extents(Atspi.CoordType.SCREEN)
-    return box.x, box.y, box.width, box.height
 
 
 def centre(node):
@@ -53,9 +48,7 @@ def test(session):
     session.click(session.control(options, Atspi.Role.PUSH_BUTTON, "Cancel"))
     wait_for("the options to close", lambda: len(session.application_windows()) == 1)
 
-    session.focus(window)
-    session.keys("Escape")
-    check(session.wait_exit() == 0, "Escape closes the window and ends the program")
+    end_with_escape(session, window)
 
 
 if __name__ == "__main__":

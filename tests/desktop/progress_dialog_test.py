@@ -4,17 +4,13 @@ as the bar and the six pixels above it, since no Cancel button stands below."""
 
 import sys
 
-from sorvanta_desktop import Atspi, Session, check, run, search, text_of, wait_for
+from sorvanta_desktop import (Atspi, Session, check, end_with_escape, extents, run, search,
+                              text_of, wait_for)
 
 TITLE = "Sorvanta - v1.14"
 # A back-reference that tries every split of each name: slow enough to outlast the grace over
 # the names of the tree, and it matches none of them.
 SLOW_PATTERN = r"(.*)(.*)(.*)\3\2\1x"
-
-
-def extents(node):
-    box = node.get_extents(Atspi.CoordType.SCREEN)
-    return box.x, box.y, box.width, box.height
 
 
 def test(session):
@@ -42,9 +38,7 @@ def test(session):
     check(any(text.startswith("0 results") or text.startswith("No results") for text in outcome),
           "nothing matched: %s" % outcome)
 
-    session.focus(window)
-    session.keys("Escape")
-    check(session.wait_exit() == 0, "Escape closes the window and ends the program")
+    end_with_escape(session, window)
 
 
 if __name__ == "__main__":

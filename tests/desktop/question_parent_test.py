@@ -6,7 +6,7 @@ import os
 import subprocess
 import sys
 
-from sorvanta_desktop import Atspi, Session, check, run, text_of, wait_for
+from sorvanta_desktop import Atspi, Session, check, end_with_escape, run, text_of, wait_for
 
 TITLE = "Sorvanta - v1.14"
 OPTIONS = "Sorvanta Options"
@@ -61,9 +61,7 @@ def test(session):
     session.click(session.control(options, Atspi.Role.PUSH_BUTTON, "Cancel"))
     wait_for("the options to close", lambda: len(session.application_windows()) == 1)
 
-    session.focus(window)
-    session.keys("Escape")
-    check(session.wait_exit() == 0, "Escape closes the window and ends the program")
+    end_with_escape(session, window)
 
 
 if __name__ == "__main__":

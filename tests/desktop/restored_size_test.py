@@ -4,15 +4,11 @@ right edge and the index status line stands whole on one line."""
 
 import sys
 
-from sorvanta_desktop import Atspi, Session, check, on_one_line_inside, run, text_of, wait_for
+from sorvanta_desktop import (Atspi, Session, check, end_with_escape, extents, on_one_line_inside,
+                              run, text_of, wait_for)
 
 TITLE = "Sorvanta - v1.14"
 STORED = (1000, 640)
-
-
-def extents(node):
-    box = node.get_extents(Atspi.CoordType.SCREEN)
-    return box.x, box.y, box.width, box.height
 
 
 def test(session):
@@ -44,9 +40,7 @@ def test(session):
           "the Options button keeps to the right edge")
     check(on_one_line_inside(status), "the index status stands on one line: " + text_of(status))
 
-    session.focus(window)
-    session.keys("Escape")
-    check(session.wait_exit() == 0, "Escape closes the window and ends the program")
+    end_with_escape(session, window)
 
 
 if __name__ == "__main__":

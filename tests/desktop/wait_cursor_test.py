@@ -7,7 +7,7 @@ import ctypes
 import subprocess
 import sys
 
-from sorvanta_desktop import Atspi, Session, check, run, text_of, wait_for
+from sorvanta_desktop import Atspi, Session, check, end_with_escape, run, text_of, wait_for
 
 TITLE = "Sorvanta - v1.14"
 SEARCHING = "Searching..."
@@ -85,9 +85,7 @@ def test(session):
              lambda: not regular.get_state_set().contains(Atspi.StateType.CHECKED))
     session.screenshot("after", window)
 
-    session.focus(window)
-    session.keys("Escape")
-    check(session.wait_exit() == 0, "Escape closes the window and ends the program")
+    end_with_escape(session, window)
 
 
 if __name__ == "__main__":

@@ -62,23 +62,50 @@ TEST_F(DialogKeysTest, EachDialogKeyReachesItsControl) {
         int32_t check;
     };
     const Case cases[] = {
-        {"Return in the box presses the default button", false, {{quilt::KeyReturn, 0}},
-         {quilt::IdOK}, NameBox, 0},
-        {"Return on a push button presses that button", false,
+        {"Return in the box presses the default button",
+         false,
+         {{quilt::KeyReturn, 0}},
+         {quilt::IdOK},
+         NameBox,
+         0},
+        {"Return on a push button presses that button",
+         false,
          {{quilt::KeyTab, 0}, {quilt::KeyTab, 0}, {quilt::KeyTab, 0}, {quilt::KeyReturn, 0}},
-         {quilt::IdCancel}, quilt::IdCancel, 0},
-        {"a disabled default button takes no Return", true, {{quilt::KeyReturn, 0}}, {}, NameBox,
+         {quilt::IdCancel},
+         quilt::IdCancel,
+         0},
+        {"a disabled default button takes no Return",
+         true,
+         {{quilt::KeyReturn, 0}},
+         {},
+         NameBox,
          0},
         {"Escape is Cancel", false, {{quilt::KeyEscape, 0}}, {quilt::IdCancel}, NameBox, 0},
-        {"Shift+Tab from the first stop wraps to the last", false, {{quilt::KeyTab, Shift}}, {},
-         Extra, 0},
-        {"Tab passes over a disabled button", true,
-         {{quilt::KeyTab, 0}, {quilt::KeyTab, 0}}, {}, quilt::IdCancel, 0},
+        {"Shift+Tab from the first stop wraps to the last",
+         false,
+         {{quilt::KeyTab, Shift}},
+         {},
+         Extra,
+         0},
+        {"Tab passes over a disabled button",
+         true,
+         {{quilt::KeyTab, 0}, {quilt::KeyTab, 0}},
+         {},
+         quilt::IdCancel,
+         0},
         {"a check box's mnemonic focuses and ticks it", false, {{'O', Alt}}, {Option}, Option, 1},
-        {"a push button's mnemonic clicks it, past an ampersand", false, {{'X', Alt}}, {Extra},
-         NameBox, 0},
-        {"a label's mnemonic focuses the control it names", false,
-         {{quilt::KeyTab, 0}, {'N', Alt}}, {}, NameBox, 0},
+        {"a push button's mnemonic clicks it, past an ampersand",
+         false,
+         {{'X', Alt}},
+         {Extra},
+         NameBox,
+         0},
+        {"a label's mnemonic focuses the control it names",
+         false,
+         {{quilt::KeyTab, 0}, {'N', Alt}},
+         {},
+         NameBox,
+         0},
         {"a letter that no text marks does nothing", false, {{'Z', Alt}}, {}, NameBox, 0},
     };
     for (const Case& c : cases) {
@@ -100,33 +127,44 @@ TEST_F(DialogKeysTest, EachDialogKeyReachesItsControl) {
 
 TEST(MnemonicKeyTest, TheMarkedCharacterInUpperCase) {
     const std::pair<const char*, int32_t> cases[] = {
-        {"&Find", 'F'},       {"F&ilename:", 'I'}, {"Fish && &chips", 'C'},
-        {"No mark", 0},       {"Trailing &", 0},   {"&&", 0},
-        {"&1 first", '1'},
+        {"&Find", 'F'},    {"F&ilename:", 'I'}, {"Fish && &chips", 'C'}, {"No mark", 0},
+        {"Trailing &", 0}, {"&&", 0},           {"&1 first", '1'},
     };
     for (const auto& [text, key] : cases) {
         EXPECT_EQ(quilt::GetMnemonicKey(text), key) << text;
     }
 }
 
+uintptr_t TopWindow() {
+    return quilt::GetOffscreenDesktop().GetTopWindows().back()->handle;
+}
+
+uintptr_t HandleOf(quilt::Window& window) {
+    return reinterpret_cast<uintptr_t>(window.GetNativeHandle());
+}
+
 // A question without a parent belongs to the main window; when it closes, the dialog that it
-// ran over comes to the front again, not its owner.
-TEST_F(DialogKeysTest, AModalDialogGivesTheFrontBackToTheDialogItRanOver) {
+// ran over comes to the front again, not its owner. When that dialog closes in turn, its owner
+// comes to the front, above a window that was in front of it before.
+TEST_F(DialogKeysTest, AModalDialogGivesTheFrontBackToTheWindowItRanOver) {
     KeysDialog owner;
     owner.RunModeless(false);
+    KeysDialog other;
+    other.RunModeless(false);
     KeysDialog outer(&owner);
-    bool outerOnTop = false;
+    uintptr_t outerHandle = 0;
+    uintptr_t topAfterInner = 0;
     driver.OnNextModal([&](Dialog&) {
+        outerHandle = HandleOf(outer);
         KeysDialog inner(&owner);
-        driver.OnNextModal([&](Dialog& shown) { shown.EndDialog(quilt::IdCancel); });
+        driver.OnNextModal([](Dialog& shown) { shown.EndDialog(quilt::IdCancel); });
         inner.RunModal(false);
-        const auto& windows = quilt::GetOffscreenDesktop().GetTopWindows();
-        outerOnTop = reinterpret_cast<uintptr_t>(outer.GetNativeHandle()) ==
-                     windows.back()->handle;
+        topAfterInner = TopWindow();
         outer.EndDialog(quilt::IdCancel);
     });
     outer.RunModal(false);
-    EXPECT_TRUE(outerOnTop);
+    EXPECT_EQ(topAfterInner, outerHandle);
+    EXPECT_EQ(TopWindow(), HandleOf(owner));
 }
 
 } // namespace
