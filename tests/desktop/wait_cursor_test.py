@@ -89,4 +89,4 @@ def test(session):
 
 
 if __name__ == "__main__":
-    sys.exit(run(test, Session("wait-cursor", tree_files=60000)))
+    sys.exit(run(test, Session("wait-cursor", tree_files=20000)))
