@@ -2,6 +2,7 @@
 
 #include "loam/resource.h"
 #include "loam/string.h"
+#include "quilt/dialog_units.h"
 #include "quilt/geometry.h"
 #include "quilt/window_imp.h"
 
@@ -113,7 +114,7 @@ public:
     void BeginLayout() { ++deferDepth; }
     void EndLayout();
     // Converts a rectangle in dialog units to pixels with the dialog's font.
-    virtual void MapDialogRect(Rect& rect) = 0;
+    void MapDialogRect(Rect& rect) { rect = GetDialogUnits().ToPixels(rect); }
     // False in a headless run: nobody is at the screen to answer a modal dialog.
     virtual bool IsUserPresent() { return true; }
 
@@ -161,6 +162,8 @@ protected:
     virtual void SetControlVisible(int32_t id, bool visible) = 0;
     // The state of the control's check mark, 0 when there is no such control.
     virtual int32_t GetNativeCheck(int32_t id) = 0;
+    // The units of the dialog's template, or of the dialog font without one.
+    virtual DialogUnits GetDialogUnits() const = 0;
     // Brings the top-level window that holds `window` to the front.
     virtual void RaiseTopLevel(Window* window) = 0;
 

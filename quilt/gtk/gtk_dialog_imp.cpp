@@ -436,10 +436,6 @@ bool Gtk_DialogImp::SetControlId(int32_t id, int32_t newId) {
     return true;
 }
 
-void Gtk_DialogImp::MapDialogRect(Rect& rect) {
-    rect = GetUnits().ToPixels(rect);
-}
-
 void Gtk_DialogImp::SetRect(const Rect& rect, bool repaint) {
     Gtk_WindowImp::SetRect(rect, repaint);
     KeepPlacement();
@@ -462,7 +458,7 @@ GtkWidget* Gtk_DialogImp::FindControl(int32_t id) const {
     return GetWidget() != nullptr ? FindControlIn(GetWidget(), id) : nullptr;
 }
 
-DialogUnits Gtk_DialogImp::GetUnits() const {
+DialogUnits Gtk_DialogImp::GetDialogUnits() const {
     return dialogTemplate != nullptr ? units : DialogUnits::OfDialogFont();
 }
 

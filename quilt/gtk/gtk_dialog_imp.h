@@ -22,7 +22,6 @@ public:
     bool GetControlText(int32_t id, loam::String& text) override;
     bool SetControlText(int32_t id, const loam::String& text) override;
     bool SetControlId(int32_t id, int32_t newId) override;
-    void MapDialogRect(Rect& rect) override;
 
     // A dialog placed by its own OnInitDialog is not centred afterwards.
     void SetRect(const Rect& rect, bool repaint) override;
@@ -45,6 +44,7 @@ protected:
     void SetControlVisible(int32_t id, bool visible) override;
     int32_t GetNativeCheck(int32_t id) override;
     void RaiseTopLevel(Window* window) override;
+    DialogUnits GetDialogUnits() const override;
 
 private:
     GtkWidget* MakeNativeDialog(Window* parent, bool asChild, const DialogUnits& units);
@@ -53,7 +53,6 @@ private:
     int32_t GetWidthShortfall();
     bool IsModalRunning() const;
     GtkWidget* FindControl(int32_t id) const;
-    DialogUnits GetUnits() const;
     DialogUnits GetTemplateFontUnits() const;
     static gboolean OnGripPress(GtkWidget* window, GdkEventButton* event, gpointer imp);
 

@@ -99,7 +99,7 @@ bool Offscreen_DialogImp::CreateNativeDialog(const loam::ResourceId& resource, W
     }
     OffscreenDesktop& desktop = GetOffscreenDesktop();
     auto window = std::make_unique<OffscreenDialogWindow>(asChild ? parentNative : nullptr);
-    DialogUnits units = GetUnits();
+    DialogUnits units = GetDialogUnits();
     // A top-level dialog comes up at its owner's corner unless it is centred.
     Point origin = asChild ? Point{} : desktop.GetScreenOrigin(parentNative);
     window->rect = Rect{origin.x, origin.y, origin.x + units.ToPixelsX(dialogTemplate->width),
@@ -303,10 +303,6 @@ bool Offscreen_DialogImp::SetControlId(int32_t id, int32_t newId) {
     return true;
 }
 
-void Offscreen_DialogImp::MapDialogRect(Rect& rect) {
-    rect = GetUnits().ToPixels(rect);
-}
-
 void Offscreen_DialogImp::SetRect(const Rect& rect, bool repaint) {
     Offscreen_WindowImp::SetRect(rect, repaint);
     KeepPlacement();
@@ -316,7 +312,7 @@ OffscreenWindow* Offscreen_DialogImp::FindControl(int32_t id) const {
     return GetNative() != nullptr ? GetNative()->FindControl(id) : nullptr;
 }
 
-DialogUnits Offscreen_DialogImp::GetUnits() const {
+DialogUnits Offscreen_DialogImp::GetDialogUnits() const {
     if (dialogTemplate == nullptr) {
         return DialogUnits::OfDialogFont();
     }

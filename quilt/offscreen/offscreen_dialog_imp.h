@@ -31,7 +31,6 @@ public:
     bool GetControlText(int32_t id, loam::String& text) override;
     bool SetControlText(int32_t id, const loam::String& text) override;
     bool SetControlId(int32_t id, int32_t newId) override;
-    void MapDialogRect(Rect& rect) override;
     // Nobody answers a dialog on a desktop that nobody attends.
     bool IsUserPresent() override { return GetOffscreenDesktop().IsAttended(); }
 
@@ -52,6 +51,7 @@ protected:
     void SetControlVisible(int32_t id, bool visible) override;
     int32_t GetNativeCheck(int32_t id) override;
     void RaiseTopLevel(Window* window) override;
+    DialogUnits GetDialogUnits() const override;
 
 private:
     void AddControl(OffscreenWindow& dialog, const DialogControlTemplate& control,
@@ -59,7 +59,6 @@ private:
     void RunModalLoop();
     bool IsModalRunning(OffscreenHandle handle) const;
     OffscreenWindow* FindControl(int32_t id) const;
-    DialogUnits GetUnits() const;
 
     const DialogTemplate* dialogTemplate = nullptr;
 };
