@@ -54,9 +54,9 @@ int32_t GetMnemonicKey(const char* text) {
 std::vector<DialogImp*> DialogImp::modalRuns;
 
 const DialogImp::DialogKey DialogImp::dialogKeys[] = {
-    {KeyReturn, 0, &DialogImp::PressDefault},
-    {KeyEscape, 0, &DialogImp::PressCancel},
-    {KeyTab, 0, &DialogImp::MoveFocus},
+    {KeyReturn, &DialogImp::PressDefault},
+    {KeyEscape, &DialogImp::PressCancel},
+    {KeyTab, &DialogImp::MoveFocus},
 };
 
 DialogImp::DialogImp() = default;
@@ -180,13 +180,26 @@ int32_t DialogImp::GetCheck(int32_t id) {
     return GetNativeHandle() != nullptr ? GetNativeCheck(id) : CheckStateIndeterminate;
 }
 
-const DialogImp::DialogKey* DialogImp::FindDialogKey(int32_t key, uint32_t modifiers) {
+const DialogImp::DialogKey* DialogImp::FindDialogKey(int32_t key) {
     for (const DialogKey& entry : dialogKeys) {
-        if (entry.key == key && (modifiers & entry.modifier) == entry.modifier) {
+        if (entry.key == key) {
             return &entry;
         }
     }
     return nullptr;
+}
+
+// A mnemonic that no control's text marks is left to the platform.
+bool DialogImp::TakeMnemonic(int32_t key) {
+    std::vector<DialogControl> controls = GetAllControls(true);
+    auto named = std::find_if(controls.begin(), controls.end(),
+                              [key](const DialogControl& c) { return c.mnemonic == key; });
+    if (named == controls.end()) {
+        return false;
+    }
+    takenMnemonic = key;
+    PressMnemonic(controls, named - controls.begin());
+    return true;
 }
 
 bool DialogImp::OnDialogKey(KeyEventKind kind, int32_t key, uint32_t modifiers, WindowImp* focusImp,
@@ -202,28 +215,20 @@ bool DialogImp::OnDialogKey(KeyEventKind kind, int32_t key, uint32_t modifiers, 
     if (kind == KeyEventDown) {
         takenMnemonic = 0;
     }
-    bool mnemonic = kind == KeyEventDown && (modifiers & ModifierAlt) != 0 && key < 128 &&
-                    std::isalnum(key) != 0;
-    const DialogKey* dialogKey = FindDialogKey(key, modifiers);
-    if (!mnemonic && dialogKey == nullptr) {
+    if (kind == KeyEventDown && (modifiers & ModifierAlt) != 0 && key < 128 &&
+        std::isalnum(key) != 0) {
+        return TakeMnemonic(key);
+    }
+    const DialogKey* dialogKey = FindDialogKey(key);
+    if (dialogKey == nullptr) {
         return false;
     }
     int32_t code = focusImp != nullptr && focusImp != this
                        ? focusImp->GetDialogCode(kind, key, nativeCode)
                        : nativeCode;
     bool wantsTab = key == KeyTab && (code & DialogCodeWantTab) != 0;
-    if (!mnemonic && ((code & DialogCodeWantAllKeys) != 0 || wantsTab)) {
+    if ((code & DialogCodeWantAllKeys) != 0 || wantsTab) {
         return false;
-    }
-    if (mnemonic) {
-        std::vector<DialogControl> controls = GetAllControls(true);
-        bool known = std::any_of(controls.begin(), controls.end(),
-                                 [key](const DialogControl& c) { return c.mnemonic == key; });
-        if (known) {
-            takenMnemonic = key;
-            PressMnemonic(key, modifiers);
-        }
-        return known;
     }
     if (kind == KeyEventDown) {
         (this->*dialogKey->press)(key, modifiers);
@@ -318,27 +323,23 @@ void DialogImp::MoveFocus(int32_t, uint32_t modifiers) {
 
 // A button or check box is clicked, a check box focused first; any other control, a label
 // above all, gives the focus to the next tab stop after it, the first one again after the last.
-void DialogImp::PressMnemonic(int32_t key, uint32_t) {
-    std::vector<DialogControl> controls = GetAllControls(true);
-    auto named = std::find_if(controls.begin(), controls.end(),
-                              [key](const DialogControl& c) { return c.mnemonic == key; });
-    if (named->pushButton) {
-        ClickControl(named->handle);
+void DialogImp::PressMnemonic(const std::vector<DialogControl>& controls, size_t index) {
+    const DialogControl& named = controls[index];
+    if (named.pushButton) {
+        ClickControl(named.handle);
         return;
     }
-    if (named->checkable) {
-        FocusControl(named->handle);
-        ClickControl(named->handle);
+    if (named.checkable) {
+        FocusControl(named.handle);
+        ClickControl(named.handle);
         return;
     }
-    if ((named->style & StyleTabStop) != 0) {
-        FocusControl(named->handle);
+    if ((named.style & StyleTabStop) != 0) {
+        FocusControl(named.handle);
         return;
     }
-    auto count = static_cast<size_t>(controls.size());
-    auto start = static_cast<size_t>(named - controls.begin());
-    for (size_t step = 1; step < count; ++step) {
-        const DialogControl& next = controls[(start + step) % count];
+    for (size_t step = 1; step < controls.size(); ++step) {
+        const DialogControl& next = controls[(index + step) % controls.size()];
         if ((next.style & StyleTabStop) != 0) {
             FocusControl(next.handle);
             return;

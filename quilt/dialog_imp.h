@@ -172,16 +172,15 @@ protected:
     // grip, the dialog is centred when asked, shown, and the focus goes to its first tab stop
     // unless OnInitDialog put it inside the dialog.
     void StartDialog(bool resizable);
-    bool IsModal() const { return modal; }
     bool HasRunEnded() const { return ended; }
     // A dialog placed by its own OnInitDialog is not centred afterwards.
     void KeepPlacement() { centreOnInit = false; }
     void NotifyNativeDestroyed() override;
+
+private:
     // The controls of the dialog and of its usable pages, the pages themselves left out; only
     // the enabled and visible ones when `usableOnly`.
     std::vector<DialogControl> GetAllControls(bool usableOnly);
-
-private:
     void CreateSizeGrip(Dialog& dialog);
     void CollectControls(NativeHandle page, bool usableOnly, std::vector<DialogControl>& controls);
     std::vector<DialogControl> GetTabStops();
@@ -189,16 +188,16 @@ private:
     void PressDefault(int32_t key, uint32_t modifiers);
     void PressCancel(int32_t key, uint32_t modifiers);
     void MoveFocus(int32_t key, uint32_t modifiers);
-    void PressMnemonic(int32_t key, uint32_t modifiers);
+    bool TakeMnemonic(int32_t key);
+    void PressMnemonic(const std::vector<DialogControl>& controls, size_t index);
     void FocusFirstTabStop();
 
     struct DialogKey {
         int32_t key;
-        uint32_t modifier; // the modifier that must be held, 0 for any
         void (DialogImp::*press)(int32_t key, uint32_t modifiers);
     };
     static const DialogKey dialogKeys[];
-    static const DialogKey* FindDialogKey(int32_t key, uint32_t modifiers);
+    static const DialogKey* FindDialogKey(int32_t key);
 
     bool centreOnInit = false;
     bool modal = true;

@@ -24,8 +24,10 @@ def test(session):
     # The program answers the accessibility bus between two slices of the search, which are long.
     bar = wait_for("the dialog's bar",
                    lambda: session.controls(dialog, Atspi.Role.PROGRESS_BAR))[0]
-    x, y, width, height = extents(dialog)
-    bar_x, bar_y, bar_width, bar_height = extents(bar)
+    # A widget that is not laid out yet has no place on the screen.
+    placed = wait_for("the bar on the screen",
+                      lambda: abs(extents(bar)[0]) < 100000 and (extents(dialog), extents(bar)))
+    (x, y, width, height), (bar_x, bar_y, bar_width, bar_height) = placed
     session.screenshot("searching", dialog)
     check(width == 300, "the dialog is 300 pixels wide, not %d" % width)
     check((bar_x - x, bar_y - y, x + width - (bar_x + bar_width)) == (6, 6, 6),
