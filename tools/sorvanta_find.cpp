@@ -6,9 +6,11 @@
 #include "index/index_data.h"
 #include "index/index_format.h"
 #include "index/index_status.h"
+#include "index/long_name.h"
 #include "loam/disk_file.h"
 #include "loam/error.h"
 #include "loam/preferences.h"
+#include "search/candidate_search.h"
 #include "search/index_searcher.h"
 
 #include <getopt.h>
@@ -229,19 +231,19 @@ bool CountIndex(IndexData& index, const loam::FileSpec& file) {
 }
 
 // Paths are built only for what is printed, and no longer once the output has failed. They are
-// built as IndexData::GetPathOf builds them, but results come in index order and most share
-// their folder with the one before, so the folder is walked up to only when it changes.
+// the real paths on the disk, as GetRealPathOf builds them, but results come in index order and
+// most share their folder with the one before, so the folder is walked up to only when it changes.
 void WritePaths(Output& output, const IndexData& index, int32_t count, char terminator) {
     loam::FileSpec folder, path;
     uint32_t parentOfFolder = IndexNoParent;
     for (int32_t i = 0; i < count; ++i) {
         const IndexRecord* record = index.GetResult(i);
         if (i == 0 || record->GetParent() != parentOfFolder) {
-            index.GetFolderOf(record, folder);
+            GetRealFolderOf(index, record, folder);
             parentOfFolder = record->GetParent();
         }
         path = folder;
-        path.Append(record->GetName());
+        AppendRealName(path, *record);
         const loam::String& text = path.GetPath();
         if (!output.Write(text.GetCString(), static_cast<size_t>(text.GetLength())) ||
             !output.Write(&terminator, 1))
@@ -252,11 +254,10 @@ void WritePaths(Output& output, const IndexData& index, int32_t count, char term
 // A search goes through the records once, in file order, so the index is scanned a window at a
 // time, and the pass goes on from window to window. Nothing is printed before the last window
 // has been checked: a file refused at its end shows the refusal alone, as the loader would.
-int RunSearch(const Request& request) {
-    IndexData index;
+bool SearchWholeIndex(IndexData& index, const loam::FileSpec& file, const Request& request) {
     const ScanMatches matches = request.countOnly ? ScanMatches::Counted : ScanMatches::Kept;
-    if (!index.Scan(GetIndexFile(request), matches))
-        return FailWithTopError();
+    if (!index.Scan(file, matches))
+        return false;
     IndexSearcher searcher;
     const bool started =
         searcher.Start(&index, request.pattern, request.isRegExp, request.autoWildcards);
@@ -269,9 +270,17 @@ int RunSearch(const Request& request) {
             searching = searcher.Rewind();
         }
         if (!index.TakeNextWindow())
-            return FailWithTopError();
+            return false;
     }
-    if (!started)
+    return started;
+}
+
+// The index's trigram file, where it serves, leads to the few records that may match.
+int RunSearch(const Request& request) {
+    const loam::FileSpec file = GetIndexFile(request);
+    IndexData index;
+    if (!SearchCandidates(index, file, request.pattern, request.isRegExp, request.autoWildcards) &&
+        !SearchWholeIndex(index, file, request))
         return FailWithTopError();
     const int32_t found = index.GetResultCount();
     const int32_t shown = std::min(found, request.limit);

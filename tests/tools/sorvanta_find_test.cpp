@@ -162,6 +162,60 @@ TEST_F(SorvantaFindTest, SavedOptionsAndIndexAreTheDefaults) {
     EXPECT_EQ(Run({"-R", "m.*"}).exitCode, 1);
 }
 
+// The trigram file that a build writes beside its index changes nothing that the finder prints:
+// the same paths in the same order, counts, limits and failures, whether the file is there,
+// damaged or gone.
+TEST_F(SorvantaFindTest, TheTrigramFileChangesNothingPrinted) {
+    loam::DiskFile file;
+    auto writer = BinaryFileIndexWriter::Begin(file, FileAt("built.idx"));
+    ASSERT_TRUE(writer);
+    writer->AddRoot(FileAt("tree"), 0);
+    const char* const names[] = {"fstab",     "FSTAB.5.gz",       "zlib1g",
+                                 "notes.txt", "x86_64-linux-gnu", "Caf\xe9 menu",
+                                 "two\nlines"};
+    for (int32_t folder = 0; folder < 40; ++folder) {
+        const std::string path = "tree/folder" + std::to_string(folder);
+        writer->AddFolder(FileAt(path), 0);
+        for (int32_t entry = 0; entry < 60; ++entry)
+            writer->AddFile(
+                FileAt(path + "/file" + std::to_string(entry) +
+                       (entry % 23 == folder % 23 ? names[folder % std::size(names)] : ".dat")),
+                1, 0);
+    }
+    writer->Finish();
+    ASSERT_TRUE(std::filesystem::exists(Path("built.idx.trigrams")));
+    const std::string index = Path("built.idx");
+    const std::vector<std::string> searches[] = {
+        {"-d", index, "-R", "-w", "fstab"},
+        {"-d", index, "-R", "-W", "*.txt"},
+        {"-d", index, "-c", "-w", "zlib"},
+        {"-d", index, "-l", "3", "-0", "-w", "x86_64-linux-gnu"},
+        {"-d", index, "-w", "caf\xc9"},
+        {"-d", index, "-w", "two\nlines"},
+        {"-d", index, "-r", ".*fstab.*\\.[a-z]+"},
+        {"-d", index, "-r", "(zlib|notes)[0-9a-z.]*"},
+        {"-d", index, "-R", "-w", "nothing here"},
+        {"-d", index, "-R", "-w", "foo("},
+    };
+    const std::string trigrams = ReadWhole("built.idx.trigrams");
+    std::string damaged = trigrams;
+    damaged[damaged.size() / 2] ^= 1;
+    for (const std::vector<std::string>& arguments : searches) {
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        MakeFile("built.idx.trigrams", trigrams);
+        const Outcome through = Run(arguments);
+        MakeFile("built.idx.trigrams", damaged);
+        const Outcome throughDamaged = Run(arguments);
+        std::filesystem::remove(Path("built.idx.trigrams"));
+        const Outcome whole = Run(arguments);
+        EXPECT_EQ(through.exitCode, whole.exitCode);
+        EXPECT_EQ(through.out, whole.out);
+        EXPECT_EQ(through.err, whole.err);
+        EXPECT_EQ(throughDamaged.out, whole.out);
+    }
+    EXPECT_EQ(Run(searches[0]).out.find("FSTAB.5.gz") != std::string::npos, true);
+}
+
 TEST_F(SorvantaFindTest, AClosedPipeEndsQuietly) {
     const Outcome piped = Run({"-d", Path("index.idx"), "*"}, true);
     EXPECT_EQ(piped.exitCode, 0);
@@ -230,6 +284,45 @@ TEST_F(SorvantaFindTest, AStoppedFinderNeitherHoldsUpABuildNorTearsItsOutput) {
     IndexData rebuilt;
     ASSERT_TRUE(rebuilt.Load(FileAt("index.idx")));
     EXPECT_GT(rebuilt.GetRecordCount(), 0);
+}
+
+// Names longer than a record holds are found by their head or their ending, and printed as they
+// are on the disk, whether they are the entry's own name or a folder's on its path.
+TEST_F(SorvantaFindTest, LongNamesArePrintedAsTheyAreOnTheDisk) {
+    std::string cjk83;
+    for (int i = 0; i < 83; ++i)
+        cjk83 += "\xE6\x96\x87";
+    const std::string cjk84 = cjk83 + "\xE5\xAD\x97";
+    const std::string pdf = "tree/" + cjk84 + "/" + cjk83 + ".pdf";
+    const std::string folders = "tree/" + std::string(255, 'y') + "/" + std::string(253, 'z');
+    std::filesystem::create_directories(Path(folders));
+    std::filesystem::create_directories(Path("tree/" + cjk84));
+    MakeFile(pdf, "%PDF");
+    MakeFile(folders + "/report.txt", "12");
+    {
+        const ScopedEnvironment roots("SORVANTA_ROOTS", Path("tree").c_str());
+        loam::DiskFile file;
+        const auto writer = BinaryFileIndexWriter::Begin(file, FileAt("long.idx"));
+        ASSERT_NE(writer, nullptr);
+        EXPECT_TRUE(VolumeIndexBuilder(nullptr).RunToCompletion(writer.get()));
+        writer->Finish();
+    }
+    const std::string index = Path("long.idx");
+    const std::pair<std::vector<std::string>, std::string> table[] = {
+        {{"-R", "-W", "*.pdf"}, Lines({pdf})},
+        {{"-R", "-W", "report.txt"}, Lines({folders + "/report.txt"})},
+        {{"-r", "y.*"}, Lines({"tree/" + std::string(255, 'y')})},
+        {{"-R", "-W", "*zzz"}, Lines({folders})},
+        {{"-R", "-W", "*.txt"}, Lines({folders + "/report.txt"})},
+    };
+    for (const auto& [arguments, printed] : table) {
+        std::vector<std::string> all = {"-d", index};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        const Outcome outcome = Run(all);
+        EXPECT_EQ(outcome.exitCode, 0) << arguments.back();
+        EXPECT_EQ(outcome.out, printed) << arguments.back();
+        EXPECT_EQ(outcome.err, "") << arguments.back();
+    }
 }
 
 } // namespace
