@@ -25,8 +25,11 @@ def test(session):
     bar = wait_for("the dialog's bar",
                    lambda: session.controls(dialog, Atspi.Role.PROGRESS_BAR))[0]
     # A widget that is not laid out yet has no place on the screen.
-    placed = wait_for("the bar on the screen",
-                      lambda: abs(extents(bar)[0]) < 100000 and (extents(dialog), extents(bar)))
+    def placed_now():
+        shown, inside = extents(dialog), extents(bar)
+        return shown[2] > 0 and abs(inside[0]) < 100000 and (shown, inside)
+
+    placed = wait_for("the dialog and its bar on the screen", placed_now)
     (x, y, width, height), (bar_x, bar_y, bar_width, bar_height) = placed
     session.screenshot("searching", dialog)
     check(width == 300, "the dialog is 300 pixels wide, not %d" % width)
