@@ -191,9 +191,9 @@ const DialogImp::DialogKey* DialogImp::FindDialogKey(int32_t key) {
 
 // A mnemonic that no control's text marks is left to the platform.
 bool DialogImp::TakeMnemonic(int32_t key) {
-    std::vector<DialogControl> controls = GetAllControls(true);
+    std::vector<DialogChild> controls = GetAllControls(true);
     auto named = std::find_if(controls.begin(), controls.end(),
-                              [key](const DialogControl& c) { return c.mnemonic == key; });
+                              [key](const DialogChild& c) { return c.mnemonic == key; });
     if (named == controls.end()) {
         return false;
     }
@@ -243,10 +243,10 @@ void DialogImp::CloseByUser() {
 }
 
 void DialogImp::CollectControls(NativeHandle page, bool usableOnly,
-                                std::vector<DialogControl>& controls) {
-    std::vector<DialogControl> level;
+                                std::vector<DialogChild>& controls) {
+    std::vector<DialogChild> level;
     GetControls(page, level);
-    for (const DialogControl& control : level) {
+    for (const DialogChild& control : level) {
         if (control.page && control.usable) {
             CollectControls(control.handle, usableOnly, controls);
         } else if (!control.page && (control.usable || !usableOnly)) {
@@ -255,20 +255,19 @@ void DialogImp::CollectControls(NativeHandle page, bool usableOnly,
     }
 }
 
-std::vector<DialogControl> DialogImp::GetAllControls(bool usableOnly) {
-    std::vector<DialogControl> controls;
+std::vector<DialogChild> DialogImp::GetAllControls(bool usableOnly) {
+    std::vector<DialogChild> controls;
     if (GetNativeHandle() != nullptr) {
         CollectControls(nullptr, usableOnly, controls);
     }
     return controls;
 }
 
-std::vector<DialogControl> DialogImp::GetTabStops() {
-    std::vector<DialogControl> stops = GetAllControls(true);
-    stops.erase(
-        std::remove_if(stops.begin(), stops.end(),
-                       [](const DialogControl& c) { return (c.style & StyleTabStop) == 0; }),
-        stops.end());
+std::vector<DialogChild> DialogImp::GetTabStops() {
+    std::vector<DialogChild> stops = GetAllControls(true);
+    stops.erase(std::remove_if(stops.begin(), stops.end(),
+                               [](const DialogChild& c) { return (c.style & StyleTabStop) == 0; }),
+                stops.end());
     return stops;
 }
 
@@ -280,15 +279,15 @@ void DialogImp::SendCommand(int32_t id) {
 // is a click on OK.
 void DialogImp::PressDefault(int32_t, uint32_t) {
     NativeHandle focus = GetFocusControl();
-    std::vector<DialogControl> controls = GetAllControls(false);
-    auto focused = std::find_if(controls.begin(), controls.end(), [focus](const DialogControl& c) {
+    std::vector<DialogChild> controls = GetAllControls(false);
+    auto focused = std::find_if(controls.begin(), controls.end(), [focus](const DialogChild& c) {
         return focus != nullptr && c.handle == focus;
     });
     if (focused != controls.end() && focused->pushButton && focused->usable) {
         ClickControl(focus);
         return;
     }
-    auto found = std::find_if(controls.begin(), controls.end(), [](const DialogControl& c) {
+    auto found = std::find_if(controls.begin(), controls.end(), [](const DialogChild& c) {
         return (c.style & StyleDefaultButton) != 0;
     });
     if (found == controls.end()) {
@@ -303,14 +302,14 @@ void DialogImp::PressCancel(int32_t, uint32_t) {
 }
 
 void DialogImp::MoveFocus(int32_t, uint32_t modifiers) {
-    std::vector<DialogControl> stops = GetTabStops();
+    std::vector<DialogChild> stops = GetTabStops();
     if (stops.empty()) {
         return;
     }
     auto count = static_cast<int32_t>(stops.size());
     bool backwards = (modifiers & ModifierShift) != 0;
     NativeHandle focus = GetFocusControl();
-    auto found = std::find_if(stops.begin(), stops.end(), [focus](const DialogControl& c) {
+    auto found = std::find_if(stops.begin(), stops.end(), [focus](const DialogChild& c) {
         return focus != nullptr && c.handle == focus;
     });
     int32_t next = backwards ? count - 1 : 0;
@@ -323,8 +322,8 @@ void DialogImp::MoveFocus(int32_t, uint32_t modifiers) {
 
 // A button or check box is clicked, a check box focused first; any other control, a label
 // above all, gives the focus to the next tab stop after it, the first one again after the last.
-void DialogImp::PressMnemonic(const std::vector<DialogControl>& controls, size_t index) {
-    const DialogControl& named = controls[index];
+void DialogImp::PressMnemonic(const std::vector<DialogChild>& controls, size_t index) {
+    const DialogChild& named = controls[index];
     if (named.pushButton) {
         ClickControl(named.handle);
         return;
@@ -339,7 +338,7 @@ void DialogImp::PressMnemonic(const std::vector<DialogControl>& controls, size_t
         return;
     }
     for (size_t step = 1; step < controls.size(); ++step) {
-        const DialogControl& next = controls[(index + step) % controls.size()];
+        const DialogChild& next = controls[(index + step) % controls.size()];
         if ((next.style & StyleTabStop) != 0) {
             FocusControl(next.handle);
             return;
@@ -348,7 +347,7 @@ void DialogImp::PressMnemonic(const std::vector<DialogControl>& controls, size_t
 }
 
 void DialogImp::FocusFirstTabStop() {
-    std::vector<DialogControl> stops = GetTabStops();
+    std::vector<DialogChild> stops = GetTabStops();
     if (!stops.empty()) {
         FocusControl(stops.front().handle);
     }

@@ -36,7 +36,7 @@ int32_t ReadCheckState(int32_t native);
 
 // A control of a dialog as the dialog keys see it. A backend lists a dialog's controls in tab
 // order; a page, a dialog inside the dialog, holds controls that count as the dialog's own.
-struct DialogControl {
+struct DialogChild {
     NativeHandle handle = nullptr;
     int32_t id = 0;
     uint32_t style = 0;  // ControlStyle bits
@@ -150,7 +150,7 @@ protected:
     // Whether the focus is on the dialog or on a control inside it.
     virtual bool HasFocusWithin() = 0;
     // The controls directly in the dialog, or in the page `page`, in tab order.
-    virtual void GetControls(NativeHandle page, std::vector<DialogControl>& controls) = 0;
+    virtual void GetControls(NativeHandle page, std::vector<DialogChild>& controls) = 0;
     // The control of the dialog, or of a page in it, that holds the focus; null for none.
     virtual NativeHandle GetFocusControl() = 0;
     // Gives the control the focus; an edit box that gets it so has all its text selected.
@@ -180,16 +180,16 @@ protected:
 private:
     // The controls of the dialog and of its usable pages, the pages themselves left out; only
     // the enabled and visible ones when `usableOnly`.
-    std::vector<DialogControl> GetAllControls(bool usableOnly);
+    std::vector<DialogChild> GetAllControls(bool usableOnly);
     void CreateSizeGrip(Dialog& dialog);
-    void CollectControls(NativeHandle page, bool usableOnly, std::vector<DialogControl>& controls);
-    std::vector<DialogControl> GetTabStops();
+    void CollectControls(NativeHandle page, bool usableOnly, std::vector<DialogChild>& controls);
+    std::vector<DialogChild> GetTabStops();
     void SendCommand(int32_t id);
     void PressDefault(int32_t key, uint32_t modifiers);
     void PressCancel(int32_t key, uint32_t modifiers);
     void MoveFocus(int32_t key, uint32_t modifiers);
     bool TakeMnemonic(int32_t key);
-    void PressMnemonic(const std::vector<DialogControl>& controls, size_t index);
+    void PressMnemonic(const std::vector<DialogChild>& controls, size_t index);
     void FocusFirstTabStop();
 
     struct DialogKey {

@@ -229,7 +229,7 @@ bool Gtk_DialogImp::HasFocusWithin() {
     return focus != nullptr && (focus == GetWidget() || gtk_widget_is_ancestor(focus, GetWidget()));
 }
 
-void Gtk_DialogImp::GetControls(NativeHandle page, std::vector<DialogControl>& controls) {
+void Gtk_DialogImp::GetControls(NativeHandle page, std::vector<DialogChild>& controls) {
     GtkNative* container =
         FindNative(page != nullptr ? static_cast<GtkWidget*>(page) : GetWidget());
     if (container == nullptr || container->clientArea == nullptr) {
@@ -242,7 +242,7 @@ void Gtk_DialogImp::GetControls(NativeHandle page, std::vector<DialogControl>& c
         if (native == nullptr) {
             continue;
         }
-        DialogControl control;
+        DialogChild control;
         control.handle = child;
         control.id = native->id;
         control.style = native->style;

@@ -36,7 +36,7 @@ protected:
     void EndNativeModal() override;
     void GetChildRects(std::vector<Rect>& rects) override;
     bool HasFocusWithin() override;
-    void GetControls(NativeHandle page, std::vector<DialogControl>& controls) override;
+    void GetControls(NativeHandle page, std::vector<DialogChild>& controls) override;
     NativeHandle GetFocusControl() override;
     void FocusControl(NativeHandle control) override;
     void ClickControl(NativeHandle control) override;

@@ -145,14 +145,14 @@ bool Offscreen_DialogImp::HasFocusWithin() {
     return focus != nullptr && focus->IsInside(GetNative());
 }
 
-void Offscreen_DialogImp::GetControls(NativeHandle page, std::vector<DialogControl>& controls) {
+void Offscreen_DialogImp::GetControls(NativeHandle page, std::vector<DialogChild>& controls) {
     OffscreenWindow* container = page != nullptr ? FromNativeHandle(page) : GetNative();
     if (container == nullptr) {
         return;
     }
     for (const auto& child : container->children) {
         auto* button = dynamic_cast<OffscreenButton*>(child.get());
-        DialogControl control;
+        DialogChild control;
         control.handle = ToNativeHandle(*child);
         control.id = child->id;
         control.style = child->style;
