@@ -17,6 +17,7 @@ const ListBoxImp::Route ListBoxImp::routes[] = {
     {ControlEvent::SelectionChanged, &ListBoxImp::OnSelectionChanged},
     {ControlEvent::ItemActivated, &ListBoxImp::OnItemActivated},
     {ControlEvent::ColumnClicked, &ListBoxImp::OnColumnClicked},
+    {ControlEvent::ContextMenu, &ListBoxImp::OnContextMenu},
 };
 
 void ListBoxImp::EnableSorting() {
@@ -44,6 +45,13 @@ NotificationAnswer ListBoxImp::OnItemActivated(const NativeNotification& notific
                                                NotificationTranslation& out) {
     out.kind = MsgItemActivate;
     out.parameter = AsRow(notification.detail);
+    return AnswerDispatch;
+}
+
+NotificationAnswer ListBoxImp::OnContextMenu(const NativeNotification& notification,
+                                             NotificationTranslation& out) {
+    out.kind = MsgContextMenu;
+    out.parameter = static_cast<int32_t>(notification.detail);
     return AnswerDispatch;
 }
 

@@ -11,8 +11,9 @@ namespace quilt {
 
 // The platform side of a list box: a plain list of rows, or a list of rows in columns under a
 // header, which the native control that it is bound to decides. The backend reports
-// SelectionChanged, ItemActivated (detail: the row) and ColumnClicked (detail: the column); this
-// class turns them into MsgSelectionChange and MsgItemActivate, and sorts on a column click
+// SelectionChanged, ItemActivated (detail: the row), ContextMenu and ColumnClicked (detail: the
+// column); this class turns them into MsgSelectionChange, MsgItemActivate and MsgContextMenu,
+// and sorts on a column click
 // through the owner's CompareItems: the same column again flips the direction, another column
 // starts ascending.
 class ListBoxImp : public ListControlImp {
@@ -61,6 +62,8 @@ private:
                                        NotificationTranslation& out);
     NotificationAnswer OnColumnClicked(const NativeNotification& notification,
                                        NotificationTranslation&);
+    NotificationAnswer OnContextMenu(const NativeNotification& notification,
+                                     NotificationTranslation& out);
     void SortByColumn();
 
     int32_t sortColumn = 0;

@@ -1,0 +1,92 @@
+"""A result row dragged out of the list reaches another program's window as the file's URI in a
+"text/uri-list" and its path as "text/plain". An index that another process builds meanwhile is
+taken at the next Find, not before: the rows and the status line stay until then."""
+
+import os
+import subprocess
+import sys
+
+from sorvanta_desktop import (Atspi, Session, cell, cell_text, check, run, search, table_rows,
+                              text_of, wait_for)
+
+TITLE = "Sorvanta - v1.14"
+HERE = os.path.dirname(os.path.abspath(__file__))
+# Where the drop target's window goes, clear of the program's window.
+TARGET = (1150, 80)
+
+
+def start_drop_target(session):
+    out = os.path.join(session.home, "dropped")
+    process = subprocess.Popen([sys.executable, os.path.join(HERE, "stand_ins.py"),
+                                "drop-target", out, str(TARGET[0]), str(TARGET[1])])
+    wait_for("the drop target", lambda: os.path.exists(out + ".ready"))
+    return process, out
+
+
+def dropped(out):
+    if not os.path.exists(out):
+        return []
+    with open(out, "rb") as record:
+        return record.read().splitlines()
+
+
+def drag(session, node, to):
+    """Presses on the node and moves in steps to `to`, as a hand does, then lets go."""
+    x, y = session.centre(node)
+    steps = ["mousemove", str(x), str(y), "mousedown", "1"]
+    for step in range(1, 11):
+        steps += ["mousemove", str(x + (to[0] - x) * step // 10),
+                  str(y + (to[1] - y) * step // 10), "sleep", "0.05"]
+    session.xdotool(*steps, "sleep", "0.3", "mouseup", "1")
+
+
+def index_status(session, window):
+    return [text_of(node) for node in session.controls(window, Atspi.Role.TEXT)
+            if node.get_parent().get_role() == Atspi.Role.SCROLL_PANE][0]
+
+
+def test(session):
+    session.build_index()
+    target, out = start_drop_target(session)
+    try:
+        session.start()
+        window = session.window(TITLE)
+        session.focus(window)
+        table = wait_for("the results list",
+                         lambda: session.controls(window, Atspi.Role.TABLE))[0]
+        search(session, window, "file00004.txt")
+        wait_for("the row", lambda: table_rows(table) == 1)
+        entry = os.path.join(session.tree, "folder000", "file00004.txt")
+        drag(session, cell(table, 0, 0), (TARGET[0] + 150, TARGET[1] + 150))
+        wait_for("the drop", lambda: len(dropped(out)) == 2)
+        uri = "file://" + entry  # the tree's path holds nothing that a URI escapes
+        check(dropped(out) == [b"text/uri-list: " + uri.encode(), b"text/plain: " + entry.encode()],
+              "what the drop got: %s" % dropped(out))
+        session.screenshot("dragged")
+    finally:
+        target.kill()
+        target.wait()
+
+    search(session, window, "file0000*")
+    wait_for("the rows of the first index", lambda: table_rows(table) == 10)
+    before = index_status(session, window)
+    check(" 10 files in " in before, "the first index's counts: " + before)
+    session.make_tree(20)
+    session.build_index()
+    check(table_rows(table) == 10 and index_status(session, window) == before,
+          "nothing changes before the next Find")
+    search(session, window, "file0001*")
+    wait_for("the rows of the new index", lambda: table_rows(table) == 10 and
+             cell_text(table, 0, 0) == "file00010.txt")
+    after = index_status(session, window)
+    check(after.startswith("Index status good, updated just now, 20 files in "),
+          "the new index's counts and age: " + after)
+    session.screenshot("newer-index", window)
+
+    session.focus(window)
+    session.keys("Escape")
+    check(session.wait_exit() == 0, "Escape closes the window and ends the program")
+
+
+if __name__ == "__main__":
+    sys.exit(run(test, Session("result-drag", tree_files=10)))
