@@ -27,6 +27,14 @@ void SetBytes(GtkSelectionData* data, const char* bytes, size_t length) {
                            reinterpret_cast<const guchar*>(bytes), static_cast<gint>(length));
 }
 
+// A drag that carries no file ends where it starts.
+void OnDragBegin(GtkWidget*, GdkDragContext* context, gpointer source) {
+    loam::String path;
+    if (!static_cast<FileDragSource*>(source)->GetDragFile(path)) {
+        gtk_drag_cancel(context);
+    }
+}
+
 void OnDragDataGet(GtkWidget*, GdkDragContext*, GtkSelectionData* data, guint info, guint,
                    gpointer source) {
     loam::String path;
@@ -106,14 +114,11 @@ bool Gtk_FileTransferImp::EnableFileDrag(Window& control, FileDragSource& source
     if (widget == nullptr) {
         return false;
     }
-    auto actions = static_cast<GdkDragAction>(GDK_ACTION_COPY | GDK_ACTION_LINK);
-    if (GTK_IS_TREE_VIEW(widget)) {
-        gtk_tree_view_enable_model_drag_source(GTK_TREE_VIEW(widget), GDK_BUTTON1_MASK, dragTargets,
-                                               G_N_ELEMENTS(dragTargets), actions);
-    } else {
-        gtk_drag_source_set(widget, GDK_BUTTON1_MASK, dragTargets, G_N_ELEMENTS(dragTargets),
-                            actions);
-    }
+    // A tree view's own drags need a model that moves its rows; the widget's plain drag source
+    // needs nothing of the model, and the file comes from the selection.
+    gtk_drag_source_set(widget, GDK_BUTTON1_MASK, dragTargets, G_N_ELEMENTS(dragTargets),
+                        static_cast<GdkDragAction>(GDK_ACTION_COPY | GDK_ACTION_LINK));
+    g_signal_connect(widget, "drag-begin", G_CALLBACK(OnDragBegin), &source);
     g_signal_connect(widget, "drag-data-get", G_CALLBACK(OnDragDataGet), &source);
     return true;
 }

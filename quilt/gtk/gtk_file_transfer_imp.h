@@ -4,8 +4,8 @@
 
 namespace quilt {
 
-// The desktop's clipboard, and drags out of a control's widget; a list view's drag starts on a
-// row, as a tree view's does.
+// The desktop's clipboard, and drags out of a control's widget: a list view's tree view, which
+// the user presses on, not its scrolled window.
 class Gtk_FileTransferImp : public FileTransferImp {
 public:
     bool CopyText(const loam::String& text) override;

@@ -60,7 +60,8 @@ def test(session):
         drag(session, cell(table, 0, 0), (TARGET[0] + 150, TARGET[1] + 150))
         wait_for("the drop", lambda: len(dropped(out)) == 2)
         uri = "file://" + entry  # the tree's path holds nothing that a URI escapes
-        check(dropped(out) == [b"text/uri-list: " + uri.encode(), b"text/plain: " + entry.encode()],
+        check(dropped(out) == [b"text/uri-list: " + uri.encode() + b"\\r\\n",
+                               b"text/plain: " + entry.encode()],
               "what the drop got: %s" % dropped(out))
         session.screenshot("dragged")
     finally:

@@ -2,13 +2,15 @@
   stand_ins.py file-manager OUT   owns org.freedesktop.FileManager1 on the session bus and
                                   writes each URI given to ShowItems on a line of OUT
   stand_ins.py drop-target OUT X Y  a window at X, Y that takes drops and writes, for each,
-                                  the type and the bytes it got, one "type: bytes" a line
+                                  the type and the bytes it got, one "type: bytes" a line, with
+                                  a carriage return and a line end in the bytes as \\r and \\n
 Each writes OUT.ready when it is ready, and runs until it is killed."""
 
 import sys
 
 import gi
 
+gi.require_version("Gdk", "3.0")
 gi.require_version("Gtk", "3.0")
 from gi.repository import Gdk, Gio, GLib, Gtk  # noqa: E402
 
@@ -63,8 +65,8 @@ def drop_target(out, x, y):
 
     def on_data(widget, context, px, py, data, info, time):
         with open(out, "ab") as record:
-            record.write(data.get_target().name().encode() + b": " + bytes(data.get_data()) +
-                         b"\n")
+            got = bytes(data.get_data()).replace(b"\r", b"\\r").replace(b"\n", b"\\n")
+            record.write(data.get_target().name().encode() + b": " + got + b"\n")
         wanted.pop(0)
         if wanted:
             widget.drag_get_data(context, wanted[0], time)
