@@ -1,5 +1,5 @@
 """A result row dragged out of the list reaches another program's window as the file's URI in a
-"text/uri-list" and its path as "text/plain". An index that another process builds meanwhile is
+"text/uri-list" and its path as "text/plain", both from the bytes of a name that is not UTF-8. An index that another process builds meanwhile is
 taken at the next Find, not before: the rows and the status line stay until then."""
 
 import os
@@ -11,6 +11,8 @@ from sorvanta_desktop import (Atspi, Session, cell, cell_text, check, run, searc
 
 TITLE = "Sorvanta - v1.14"
 HERE = os.path.dirname(os.path.abspath(__file__))
+# A name in Latin-1, which is not UTF-8.
+LATIN = b"caf\xe9.txt"
 # Where the drop target's window goes, clear of the program's window.
 TARGET = (1150, 80)
 
@@ -46,6 +48,7 @@ def index_status(session, window):
 
 
 def test(session):
+    open(os.path.join(session.tree.encode(), LATIN), "w").close()
     session.build_index()
     target, out = start_drop_target(session)
     try:
@@ -54,15 +57,23 @@ def test(session):
         session.focus(window)
         table = wait_for("the results list",
                          lambda: session.controls(window, Atspi.Role.TABLE))[0]
-        search(session, window, "file00004.txt")
-        wait_for("the row", lambda: table_rows(table) == 1)
-        entry = os.path.join(session.tree, "folder000", "file00004.txt")
-        drag(session, cell(table, 0, 0), (TARGET[0] + 150, TARGET[1] + 150))
-        wait_for("the drop", lambda: len(dropped(out)) == 2)
-        uri = "file://" + entry  # the tree's path holds nothing that a URI escapes
-        check(dropped(out) == [b"text/uri-list: " + uri.encode() + b"\\r\\n",
-                               b"text/plain: " + entry.encode()],
-              "what the drop got: %s" % dropped(out))
+        # The tree's path holds nothing that a URI escapes.
+        entries = [
+            ("file00004.txt", os.path.join(session.tree, "folder000", "file00004.txt").encode(),
+             b"file00004.txt"),
+            ("caf*", os.path.join(session.tree.encode(), LATIN),
+             b"caf%E9.txt"),
+        ]
+        for pattern, path, escaped in entries:
+            search(session, window, pattern)
+            wait_for("the row of " + pattern, lambda: table_rows(table) == 1)
+            before = len(dropped(out))
+            drag(session, cell(table, 0, 0), (TARGET[0] + 150, TARGET[1] + 150))
+            wait_for("the drop", lambda: len(dropped(out)) == before + 2)
+            uri = b"file://" + os.path.dirname(path) + b"/" + escaped
+            check(dropped(out)[before:] == [b"text/uri-list: " + uri + b"\\r\\n",
+                                            b"text/plain: " + path],
+                  "what the drop got: %s" % dropped(out)[before:])
         session.screenshot("dragged")
     finally:
         target.kill()
@@ -71,7 +82,7 @@ def test(session):
     search(session, window, "file0000*")
     wait_for("the rows of the first index", lambda: table_rows(table) == 10)
     before = index_status(session, window)
-    check(" 10 files in " in before, "the first index's counts: " + before)
+    check(" 11 files in " in before, "the first index's counts: " + before)
     session.make_tree(20)
     session.build_index()
     check(table_rows(table) == 10 and index_status(session, window) == before,
@@ -80,7 +91,7 @@ def test(session):
     wait_for("the rows of the new index", lambda: table_rows(table) == 10 and
              cell_text(table, 0, 0) == "file00010.txt")
     after = index_status(session, window)
-    check(after.startswith("Index status good, updated just now, 20 files in "),
+    check(after.startswith("Index status good, updated just now, 21 files in "),
           "the new index's counts and age: " + after)
     session.screenshot("newer-index", window)
 

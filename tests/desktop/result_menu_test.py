@@ -21,6 +21,8 @@ TITLE = "Sorvanta - v1.14"
 HERE = os.path.dirname(os.path.abspath(__file__))
 ITEMS = ["Open", "Open Containing Folder", "Copy Path", "Copy Name"]
 FILE_MANAGER = "org.freedesktop.FileManager1"
+# A name in Latin-1, which is not UTF-8.
+LATIN = b"caf\xe9.txt"
 
 
 def handle_files_and_folders(session):
@@ -70,6 +72,13 @@ def clipboard_text():
     return Gtk.Clipboard.get(Gdk.SELECTION_CLIPBOARD).wait_for_text()
 
 
+def clipboard_bytes():
+    """The clipboard's "text/plain", which holds the bytes as they are."""
+    contents = Gtk.Clipboard.get(Gdk.SELECTION_CLIPBOARD).wait_for_contents(
+        Gdk.Atom.intern("text/plain", False))
+    return bytes(contents.get_data()) if contents is not None else None
+
+
 def menu_items(session):
     """The items of the popup menu on the screen."""
     return [node for node in walk(session.application())
@@ -108,6 +117,7 @@ def find_one(session, window, table, pattern, names=None):
 
 def test(session):
     opened = handle_files_and_folders(session)
+    open(os.path.join(session.tree.encode(), LATIN), "w").close()
     session.build_index()
     folder = os.path.join(session.tree, "folder000")
     entry = os.path.join(folder, "file00007.txt")
@@ -127,6 +137,7 @@ def test(session):
         wait_for("the menu to go", lambda: not menu_items(session))
         for key in ("Menu", "shift+F10"):
             open_menu(session, key, table)
+            session.screenshot("menu-by-key-%s" % key.replace("+", "-"), window)
             session.keys("Escape")
             wait_for("the menu to go", lambda: not menu_items(session))
 
@@ -162,6 +173,13 @@ def test(session):
     session.keys("Return")
     wait_for("Return to open the row's folder", lambda: len(lines(opened)) == 3)
     check(local_path(lines(opened)[2]) == folder, "Return opens the folder: %s" % lines(opened))
+
+    # A name that is not UTF-8 reaches the clipboard as its bytes.
+    search(session, window, "caf*")
+    wait_for("the row of the Latin-1 name", lambda: table_rows(table) == 1)
+    choose(session, table, "Copy Path")
+    latin = os.path.join(session.tree.encode(), LATIN)
+    wait_for("the path's bytes on the clipboard", lambda: clipboard_bytes() == latin)
 
     # The walk's root has no folder of its own.
     # A root's name is its whole path, with the separator at its end.
