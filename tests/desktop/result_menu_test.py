@@ -154,6 +154,18 @@ def test(session):
 
         choose(session, table, "Copy Path")
         wait_for("the path on the clipboard", lambda: clipboard_text() == entry)
+
+        # A name that is not UTF-8 keeps its bytes: escaped in its URI, whole on the clipboard.
+        search(session, window, "caf*")
+        wait_for("the row of the Latin-1 name", lambda: table_rows(table) == 1)
+        choose(session, table, "Open Containing Folder")
+        wait_for("the file manager", lambda: len(lines(shown)) == 2)
+        check(lines(shown)[1] == "file://%s/caf%%E9.txt" % session.tree,
+              "the URI is escaped from the bytes: %s" % lines(shown)[1])
+        choose(session, table, "Copy Path")
+        latin = os.path.join(session.tree.encode(), LATIN)
+        wait_for("the path's bytes on the clipboard", lambda: clipboard_bytes() == latin)
+        find_one(session, window, table, "file00007.txt")
     finally:
         file_manager.kill()
         file_manager.wait()
@@ -173,13 +185,6 @@ def test(session):
     session.keys("Return")
     wait_for("Return to open the row's folder", lambda: len(lines(opened)) == 3)
     check(local_path(lines(opened)[2]) == folder, "Return opens the folder: %s" % lines(opened))
-
-    # A name that is not UTF-8 reaches the clipboard as its bytes.
-    search(session, window, "caf*")
-    wait_for("the row of the Latin-1 name", lambda: table_rows(table) == 1)
-    choose(session, table, "Copy Path")
-    latin = os.path.join(session.tree.encode(), LATIN)
-    wait_for("the path's bytes on the clipboard", lambda: clipboard_bytes() == latin)
 
     # The walk's root has no folder of its own.
     # A root's name is its whole path, with the separator at its end.
