@@ -25,26 +25,6 @@ FILE_MANAGER = "org.freedesktop.FileManager1"
 LATIN = b"caf\xe9.txt"
 
 
-def handle_files_and_folders(session):
-    """Makes a recording script the session's default application for folders and for text
-    files; gives the file that it writes each location to, one a line."""
-    opened = os.path.join(session.home, "opened")
-    script = os.path.join(session.home, "open-location")
-    with open(script, "w") as handler:
-        handler.write('#!/bin/sh\nprintf "%%s\\n" "$1" >> "%s"\n' % opened)
-    os.chmod(script, 0o700)
-    applications = os.path.join(session.home, "data", "applications")
-    os.makedirs(applications, exist_ok=True)
-    with open(os.path.join(applications, "sorvanta-test-open.desktop"), "w") as entry:
-        entry.write("[Desktop Entry]\nType=Application\nName=Test open\nNoDisplay=true\n"
-                    "Exec=%s %%u\nMimeType=inode/directory;text/plain;\n" % script)
-    os.makedirs(os.path.join(session.home, "config"), exist_ok=True)
-    with open(os.path.join(session.home, "config", "mimeapps.list"), "w") as defaults:
-        defaults.write("[Default Applications]\ninode/directory=sorvanta-test-open.desktop\n"
-                       "text/plain=sorvanta-test-open.desktop\n")
-    return opened
-
-
 def lines(path):
     if not os.path.exists(path):
         return []
@@ -116,7 +96,7 @@ def find_one(session, window, table, pattern, names=None):
 
 
 def test(session):
-    opened = handle_files_and_folders(session)
+    opened = session.handle_folders(("inode/directory", "text/plain"))
     open(os.path.join(session.tree.encode(), LATIN), "w").close()
     session.build_index()
     folder = os.path.join(session.tree, "folder000")

@@ -101,10 +101,11 @@ class Session:
         environment["QUILT_PLATFORM"] = "offscreen"
         subprocess.run([self.program(), "/buildindex"], env=environment, check=True, timeout=120)
 
-    def handle_folders(self):
-        """Makes the session's default handler for folders a script that notes each location it
-        is given, one a line, in the file whose path this returns. The handler is known only to
-        this session: a menu entry in its own data folder and the default in its own settings."""
+    def handle_folders(self, types=("inode/directory",)):
+        """Makes the session's default handler for folders, and for any other content types
+        given, a script that notes each location it is given, one a line, in the file whose path
+        this returns. The handler is known only to this session: a menu entry in its own data
+        folder and the default in its own settings."""
         opened = os.path.join(self.home, "opened-folders")
         script = os.path.join(self.home, "open-folder")
         with open(script, "w") as handler:
@@ -114,11 +115,11 @@ class Session:
         os.makedirs(applications, exist_ok=True)
         with open(os.path.join(applications, "sorvanta-test-folders.desktop"), "w") as entry:
             entry.write("[Desktop Entry]\nType=Application\nName=Test folders\nNoDisplay=true\n"
-                        "Exec=%s %%u\nMimeType=inode/directory;\n" % script)
+                        "Exec=%s %%u\nMimeType=%s;\n" % (script, ";".join(types)))
         os.makedirs(os.path.join(self.home, "config"), exist_ok=True)
         with open(os.path.join(self.home, "config", "mimeapps.list"), "w") as defaults:
-            defaults.write("[Default Applications]\n"
-                           "inode/directory=sorvanta-test-folders.desktop\n")
+            defaults.write("[Default Applications]\n" + "".join(
+                "%s=sorvanta-test-folders.desktop\n" % kind for kind in types))
         return opened
 
     def write_settings(self, text):
