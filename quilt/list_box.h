@@ -13,9 +13,8 @@ namespace quilt {
 // header, which the native control that it is bound to decides. The backend reports
 // SelectionChanged, ItemActivated (detail: the row), ContextMenu and ColumnClicked (detail: the
 // column); this class turns them into MsgSelectionChange, MsgItemActivate and MsgContextMenu,
-// and sorts on a column click
-// through the owner's CompareItems: the same column again flips the direction, another column
-// starts ascending.
+// and sorts on a column click through the owner's CompareItems: the same column again flips the
+// direction, another column starts ascending.
 class ListBoxImp : public ListControlImp {
 public:
     // Stops placing new rows by the native sorted style and sorts the rows by the last column

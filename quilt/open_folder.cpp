@@ -91,6 +91,10 @@ bool ShowItemThroughFileManager(const loam::FileSpec& entry) {
     GDBusConnection* bus =
         uri != nullptr ? g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr) : nullptr;
     bool shown = false;
+    if (bus != nullptr) {
+        // The shared connection would end the process when the bus goes away.
+        g_dbus_connection_set_exit_on_close(bus, FALSE);
+    }
     if (bus != nullptr && IsFileManagerThere(bus)) {
         const gchar* uris[] = {uri, nullptr};
         GVariant* reply = CallBus(bus, fileManagerName, fileManagerPath, "ShowItems",

@@ -95,15 +95,18 @@ TEST_F(ResultActionsTest, TheRowMenuOffersFourCommandsAndGreysTheFolderOfARoot) 
     }
 }
 
-// The menu key asks for the menu of the selected row; without one there is nothing to show.
+// The menu key asks for the menu of the selected row; without one, or with the right button
+// below the rows, there is nothing to show.
 TEST_F(ResultActionsTest, TheMenuKeyShowsTheMenuOfTheSelectedRowOnly) {
     MakeFiles("tree", 2);
     StartWindow();
     BuildIndex();
     Find("f*");
     driver.PressMenuKey(*Main(), MainResultsList);
+    driver.RightClickRow(*Main(), MainResultsList, 2);
     driver.RunUntilIdle();
     EXPECT_EQ(driver.GetMenusShown(), 0);
+    EXPECT_EQ(driver.GetSelectedRow(*Main(), MainResultsList), -1);
     driver.ClickRow(*Main(), MainResultsList, 1);
     driver.OnNextMenu(quilt::OffscreenDriver::PickMenuItem("Copy &Name"));
     driver.PressMenuKey(*Main(), MainResultsList);
