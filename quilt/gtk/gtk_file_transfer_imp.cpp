@@ -27,6 +27,20 @@ void SetBytes(GtkSelectionData* data, const char* bytes, size_t length) {
                            reinterpret_cast<const guchar*>(bytes), static_cast<gint>(length));
 }
 
+// A list view's drag starts on a row: a press below the rows, though a row may still be
+// selected, only takes the focus, and never reaches the drag source.
+gboolean OnPressBelowRows(GtkWidget* widget, GdkEventButton* event, gpointer) {
+    auto* view = GTK_TREE_VIEW(widget);
+    if (event->button != 1 || event->window != gtk_tree_view_get_bin_window(view) ||
+        gtk_tree_view_get_path_at_pos(view, static_cast<gint>(event->x),
+                                      static_cast<gint>(event->y), nullptr, nullptr, nullptr,
+                                      nullptr)) {
+        return FALSE;
+    }
+    gtk_widget_grab_focus(widget);
+    return TRUE;
+}
+
 // A drag that carries no file ends where it starts.
 void OnDragBegin(GtkWidget*, GdkDragContext* context, gpointer source) {
     loam::String path;
@@ -115,7 +129,11 @@ bool Gtk_FileTransferImp::EnableFileDrag(Window& control, FileDragSource& source
         return false;
     }
     // A tree view's own drags need a model that moves its rows; the widget's plain drag source
-    // needs nothing of the model, and the file comes from the selection.
+    // needs nothing of the model, and the file comes from the selection. The press below the
+    // rows is taken before the drag source hears of it.
+    if (GTK_IS_TREE_VIEW(widget)) {
+        g_signal_connect(widget, "button-press-event", G_CALLBACK(OnPressBelowRows), nullptr);
+    }
     gtk_drag_source_set(widget, GDK_BUTTON1_MASK, dragTargets, G_N_ELEMENTS(dragTargets),
                         static_cast<GdkDragAction>(GDK_ACTION_COPY | GDK_ACTION_LINK));
     g_signal_connect(widget, "drag-begin", G_CALLBACK(OnDragBegin), &source);

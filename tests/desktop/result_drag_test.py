@@ -34,7 +34,11 @@ def dropped(out):
 
 def drag(session, node, to):
     """Presses on the node and moves in steps to `to`, as a hand does, then lets go."""
-    x, y = session.centre(node)
+    drag_from(session, session.centre(node), to)
+
+
+def drag_from(session, start, to):
+    x, y = start
     steps = ["mousemove", str(x), str(y), "mousedown", "1"]
     for step in range(1, 11):
         steps += ["mousemove", str(x + (to[0] - x) * step // 10),
@@ -75,6 +79,20 @@ def test(session):
                                             b"text/plain: " + path],
                   "what the drop got: %s" % dropped(out)[before:])
         session.screenshot("dragged")
+
+        # A press below the rows drags nothing, though the row of the Latin-1 name is still
+        # selected: the next drop to arrive is that of the next row dragged.
+        before = len(dropped(out))
+        box = table.get_extents(Atspi.CoordType.SCREEN)
+        drag_from(session, (box.x + 30, box.y + box.height - 15),
+                  (TARGET[0] + 150, TARGET[1] + 150))
+        pattern, path, _ = entries[0]
+        search(session, window, pattern)
+        wait_for("the row of " + pattern, lambda: cell_text(table, 0, 0) == pattern)
+        drag(session, cell(table, 0, 0), (TARGET[0] + 150, TARGET[1] + 150))
+        wait_for("the drop from the row", lambda: len(dropped(out)) >= before + 2)
+        check(dropped(out)[before + 1] == b"text/plain: " + path,
+              "only the row's drag arrives: %s" % dropped(out)[before:])
     finally:
         target.kill()
         target.wait()
