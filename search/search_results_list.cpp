@@ -1,5 +1,6 @@
 #include "search/search_results_list.h"
 
+#include "index/long_name.h"
 #include "loam/format.h"
 #include "quilt/keys.h"
 #include "quilt/wait_cursor.h"
@@ -127,7 +128,7 @@ bool SearchResultsList::GetSelectedFolder(loam::FileSpec& folder) {
     if (!GetSelectedOrdinal(ordinal)) {
         return false;
     }
-    folder.SetPath(index->GetResultFolder(ordinal));
+    GetRealFolderOf(*index, index->GetResult(ordinal), folder);
     return true;
 }
 
@@ -137,7 +138,7 @@ bool SearchResultsList::GetSelectedEntry(loam::FileSpec& entry) {
         return false;
     }
     // A root's name is its whole path with its separator, which a path to copy goes without.
-    loam::String path = index->GetResultPath(ordinal);
+    loam::String path = GetRealPathOf(*index, index->GetResult(ordinal));
     if (path.GetLength() > 1 && path.GetCString()[path.GetLength() - 1] == loam::NativeSeparator) {
         path.Truncate(path.GetLength() - 1);
     }
@@ -150,7 +151,13 @@ bool SearchResultsList::GetSelectedName(loam::String& name) {
     if (!GetSelectedOrdinal(ordinal)) {
         return false;
     }
-    name = index->GetResultName(ordinal);
+    const IndexRecord* record = index->GetResult(ordinal);
+    if (!MayStandForLongName(*record)) {
+        name = index->GetResultName(ordinal);
+        return true;
+    }
+    loam::FileSpec real(GetRealPathOf(*index, record).GetCString());
+    real.GetLeafName(name);
     return true;
 }
 

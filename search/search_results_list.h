@@ -47,9 +47,11 @@ public:
     bool BindToControl(quilt::Window* parent, int32_t id) override;
     // Rebuilds every row from the index's result table. The rows refer to `data` from now on.
     void Fill(IndexData& data);
-    // The folder of the selected row; false when none is selected.
+    // The real folder on the disk of the selected row, names too long for the index restored;
+    // false when none is selected.
     bool GetSelectedFolder(loam::FileSpec& folder);
-    // The full path, or the name, of the selected row's entry; false when none is selected.
+    // The real full path, or the real name, of the selected row's entry, as the folder is;
+    // false when none is selected.
     bool GetSelectedEntry(loam::FileSpec& entry);
     bool GetSelectedName(loam::String& name);
     // The context menu of the selected row, with Open Containing Folder greyed for a root,
