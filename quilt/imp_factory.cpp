@@ -46,6 +46,14 @@ struct BackendImps {
     std::unique_ptr<GCImp> (*gc)();
     std::unique_ptr<RedrawGCImp> (*redrawGC)();
     std::unique_ptr<FontImp> (*font)();
+    std::unique_ptr<IconImp> (*icon)();
+    std::unique_ptr<RadioButtonImp> (*radioButton)();
+    std::unique_ptr<DateTimeBoxImp> (*dateTimeBox)();
+    std::unique_ptr<URLButtonImp> (*urlButton)();
+    std::unique_ptr<TabControlImp> (*tabControl)();
+    std::unique_ptr<DialogControlImp> (*dialogControl)();
+    std::unique_ptr<ImageButtonImp> (*imageButton)();
+    std::unique_ptr<PopupMenuButtonImp> (*popupMenuButton)();
 };
 
 namespace {
@@ -78,6 +86,14 @@ constexpr BackendImps headlessImps{
     Make<GCImp, Offscreen_GCImp>,
     Make<RedrawGCImp, Offscreen_RedrawGCImp>,
     Make<FontImp, Offscreen_FontImp>,
+    Make<IconImp, Offscreen_IconImp>,
+    Make<RadioButtonImp, Offscreen_RadioButtonImp>,
+    Make<DateTimeBoxImp, Offscreen_DateTimeBoxImp>,
+    Make<URLButtonImp, Offscreen_URLButtonImp>,
+    Make<TabControlImp, Offscreen_TabControlImp>,
+    Make<DialogControlImp, Offscreen_DialogControlImp>,
+    Make<ImageButtonImp, Offscreen_ImageButtonImp>,
+    Make<PopupMenuButtonImp, Offscreen_PopupMenuButtonImp>,
 };
 
 constexpr BackendImps desktopImps{
@@ -100,6 +116,14 @@ constexpr BackendImps desktopImps{
     Make<GCImp, Gtk_GCImp>,
     Make<RedrawGCImp, Gtk_RedrawGCImp>,
     Make<FontImp, Gtk_FontImp>,
+    Make<IconImp, Gtk_IconImp>,
+    Make<RadioButtonImp, Gtk_RadioButtonImp>,
+    Make<DateTimeBoxImp, Gtk_DateTimeBoxImp>,
+    Make<URLButtonImp, Gtk_URLButtonImp>,
+    Make<TabControlImp, Gtk_TabControlImp>,
+    Make<DialogControlImp, Gtk_DialogControlImp>,
+    Make<ImageButtonImp, Gtk_ImageButtonImp>,
+    Make<PopupMenuButtonImp, Gtk_PopupMenuButtonImp>,
 };
 
 // The backends of this build.
@@ -228,6 +252,38 @@ std::unique_ptr<RedrawGCImp> ImpFactory::CreateRedrawGCImp() {
 
 std::unique_ptr<FontImp> ImpFactory::CreateFontImp() {
     return GetImps().font();
+}
+
+std::unique_ptr<IconImp> ImpFactory::CreateIconImp() {
+    return GetImps().icon();
+}
+
+std::unique_ptr<RadioButtonImp> ImpFactory::CreateRadioButtonImp() {
+    return GetImps().radioButton();
+}
+
+std::unique_ptr<DateTimeBoxImp> ImpFactory::CreateDateTimeBoxImp() {
+    return GetImps().dateTimeBox();
+}
+
+std::unique_ptr<URLButtonImp> ImpFactory::CreateURLButtonImp() {
+    return GetImps().urlButton();
+}
+
+std::unique_ptr<TabControlImp> ImpFactory::CreateTabControlImp() {
+    return GetImps().tabControl();
+}
+
+std::unique_ptr<DialogControlImp> ImpFactory::CreateDialogControlImp() {
+    return GetImps().dialogControl();
+}
+
+std::unique_ptr<ImageButtonImp> ImpFactory::CreateImageButtonImp() {
+    return GetImps().imageButton();
+}
+
+std::unique_ptr<PopupMenuButtonImp> ImpFactory::CreatePopupMenuButtonImp() {
+    return GetImps().popupMenuButton();
 }
 
 ImpFactory& GetImpFactory() {

@@ -14,11 +14,19 @@ class EditBoxImp;
 class FileTransferImp;
 class FontImp;
 class GCImp;
+class DateTimeBoxImp;
+class DialogControlImp;
+class IconImp;
+class ImageButtonImp;
 class ListBoxImp;
+class PopupMenuButtonImp;
 class PopupMenuImp;
 class ProgressBarImp;
+class RadioButtonImp;
 class RedrawGCImp;
 class SliderImp;
+class TabControlImp;
+class URLButtonImp;
 class WindowImp;
 
 enum class Backend {
@@ -58,6 +66,14 @@ public:
     std::unique_ptr<GCImp> CreateGCImp();
     std::unique_ptr<RedrawGCImp> CreateRedrawGCImp();
     std::unique_ptr<FontImp> CreateFontImp();
+    std::unique_ptr<IconImp> CreateIconImp();
+    std::unique_ptr<RadioButtonImp> CreateRadioButtonImp();
+    std::unique_ptr<DateTimeBoxImp> CreateDateTimeBoxImp();
+    std::unique_ptr<URLButtonImp> CreateURLButtonImp();
+    std::unique_ptr<TabControlImp> CreateTabControlImp();
+    std::unique_ptr<DialogControlImp> CreateDialogControlImp();
+    std::unique_ptr<ImageButtonImp> CreateImageButtonImp();
+    std::unique_ptr<PopupMenuButtonImp> CreatePopupMenuButtonImp();
 
 private:
     const BackendImps& GetImps();

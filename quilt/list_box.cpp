@@ -16,6 +16,7 @@ int32_t AsRow(uint32_t detail) {
 const ListBoxImp::Route ListBoxImp::routes[] = {
     {ControlEvent::SelectionChanged, &ListBoxImp::OnSelectionChanged},
     {ControlEvent::ItemActivated, &ListBoxImp::OnItemActivated},
+    {ControlEvent::ItemCheckChanged, &ListBoxImp::OnItemCheckChanged},
     {ControlEvent::ColumnClicked, &ListBoxImp::OnColumnClicked},
     {ControlEvent::ContextMenu, &ListBoxImp::OnContextMenu},
 };
@@ -44,6 +45,13 @@ NotificationAnswer ListBoxImp::OnSelectionChanged(const NativeNotification&,
 NotificationAnswer ListBoxImp::OnItemActivated(const NativeNotification& notification,
                                                NotificationTranslation& out) {
     out.kind = MsgItemActivate;
+    out.parameter = AsRow(notification.detail);
+    return AnswerDispatch;
+}
+
+NotificationAnswer ListBoxImp::OnItemCheckChanged(const NativeNotification& notification,
+                                                  NotificationTranslation& out) {
+    out.kind = MsgItemCheckChange;
     out.parameter = AsRow(notification.detail);
     return AnswerDispatch;
 }
@@ -79,11 +87,14 @@ void ListBoxImp::SortByColumn() {
     if (list == nullptr) {
         return;
     }
-    int32_t sign = list->GetSortDirection() == SortDescending ? -1 : 1;
+    SortDirection direction =
+        list->GetSortDirection() == SortDescending ? SortDescending : SortAscending;
+    int32_t sign = direction == SortDescending ? -1 : 1;
     int32_t column = sortColumn;
     SortRows([list, sign, column](int32_t a, int32_t b) {
         return sign * list->CompareItems(a, b, column);
     });
+    ShowSortColumn(column, direction);
 }
 
 ListBox::ListBox() : ListControl(GetImpFactory().CreateListBoxImp()) {

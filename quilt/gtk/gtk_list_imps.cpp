@@ -115,6 +115,7 @@ void Gtk_ListBoxImp::Clear() {
         DetachListRows(view);
     }
     GetRows()->Clear();
+    ShowListSortColumn(view, -1, false);
     if (attached) {
         AttachListRows(view);
     }
@@ -244,7 +245,9 @@ void Gtk_ListBoxImp::DisableSorting() {
     }
 }
 
-// The order is found first, with the rows in place, and then the rows move at once.
+// The order is found first, with the rows in place, and then the rows move at once: a view that
+// shows them follows each to its new place, with its selection, and tells the accessibility layer
+// of the new order once.
 void Gtk_ListBoxImp::SortRows(const std::function<int32_t(int32_t, int32_t)>& compare) {
     ListRows* rows = GetRows();
     if (rows == nullptr || rows->GetCount() < 2) {
@@ -255,6 +258,12 @@ void Gtk_ListBoxImp::SortRows(const std::function<int32_t(int32_t, int32_t)>& co
     std::stable_sort(order.begin(), order.end(),
                      [&compare](int32_t a, int32_t b) { return compare(a, b) < 0; });
     rows->Reorder(order);
+}
+
+void Gtk_ListBoxImp::ShowSortColumn(int32_t column, SortDirection direction) {
+    if (GtkWidget* view = GetView()) {
+        ShowListSortColumn(view, column, direction == SortDescending);
+    }
 }
 
 void Gtk_ListBoxImp::SetNumberOfColumns(int32_t count) {
@@ -384,9 +393,8 @@ void Gtk_ListBoxImp::EnableCheckBoxes(bool enable) {
 }
 
 void Gtk_ListBoxImp::SetItemChecked(int32_t row, bool checked) {
-    if (ListRow* entry = GetRow(row)) {
-        entry->checked = checked;
-        GetRows()->Changed(row);
+    if (GtkWidget* view = GetView()) {
+        SetListRowChecked(view, row, checked);
     }
 }
 
@@ -578,6 +586,37 @@ struct ChooserState {
     GtkWidget* status;
 };
 
+// Once the chooser has its size, it is made to fit the work area of its screen and centred on
+// its owner, or on that work area without one, inside it.
+void PlaceChooser(GtkWidget* dialog, gpointer ownerWindow) {
+    GdkDisplay* display = gtk_widget_get_display(dialog);
+    GdkWindow* window = gtk_widget_get_window(dialog);
+    GdkMonitor* monitor = window != nullptr ? gdk_display_get_monitor_at_window(display, window)
+                                            : gdk_display_get_primary_monitor(display);
+    GdkRectangle area{0, 0, 0, 0};
+    if (monitor != nullptr) {
+        gdk_monitor_get_workarea(monitor, &area);
+    }
+    gint width = 0;
+    gint height = 0;
+    gtk_window_get_size(GTK_WINDOW(dialog), &width, &height);
+    width = std::min(width, area.width);
+    height = std::min(height, area.height);
+    gtk_window_resize(GTK_WINDOW(dialog), width, height);
+    GdkRectangle owner = area;
+    GdkWindow* ownerGdk =
+        ownerWindow != nullptr ? gtk_widget_get_window(GTK_WIDGET(ownerWindow)) : nullptr;
+    if (ownerGdk != nullptr) {
+        gdk_window_get_origin(ownerGdk, &owner.x, &owner.y);
+        gtk_window_get_size(GTK_WINDOW(ownerWindow), &owner.width, &owner.height);
+    }
+    gint x = owner.x + owner.width / 2 - width / 2;
+    gint y = owner.y + owner.height / 2 - height / 2;
+    x = std::clamp(x, area.x, area.x + area.width - width);
+    y = std::clamp(y, area.y, area.y + area.height - height);
+    gtk_window_move(GTK_WINDOW(dialog), x, y);
+}
+
 void ShowChooserStatus(GtkFileChooser* chooser, gpointer data) {
     auto* state = static_cast<ChooserState*>(data);
     gchar* selected = gtk_file_chooser_get_filename(chooser);
@@ -614,6 +653,7 @@ bool Gtk_BrowseDialogImp::Run(const loam::String* caption, const loam::String* s
     gtk_file_chooser_set_extra_widget(chooser, state.status);
     ShowChooserStatus(chooser, &state);
     g_signal_connect(chooser, "selection-changed", G_CALLBACK(ShowChooserStatus), &state);
+    g_signal_connect_after(dialog, "map", G_CALLBACK(PlaceChooser), ownerWindow);
     bool accepted = gtk_dialog_run(GTK_DIALOG(dialog)) == GTK_RESPONSE_ACCEPT;
     gchar* folderChosen = accepted ? gtk_file_chooser_get_filename(chooser) : nullptr;
     chosen = folderChosen != nullptr ? folderChosen : "";

@@ -96,7 +96,7 @@ def find_one(session, window, table, pattern, names=None):
 
 
 def test(session):
-    opened = session.handle_folders(("inode/directory", "text/plain"))
+    opened = session.handle(["inode/directory", "text/plain"], "files")
     open(os.path.join(session.tree.encode(), LATIN), "w").close()
     session.build_index()
     folder = os.path.join(session.tree, "folder000")

@@ -101,25 +101,32 @@ class Session:
         environment["QUILT_PLATFORM"] = "offscreen"
         subprocess.run([self.program(), "/buildindex"], env=environment, check=True, timeout=120)
 
-    def handle_folders(self, types=("inode/directory",)):
-        """Makes the session's default handler for folders, and for any other content types
-        given, a script that notes each location it is given, one a line, in the file whose path
-        this returns. The handler is known only to this session: a menu entry in its own data
-        folder and the default in its own settings."""
-        opened = os.path.join(self.home, "opened-folders")
-        script = os.path.join(self.home, "open-folder")
+    def handle_folders(self):
+        """Makes the session's default handler for folders a script that notes each location it
+        is given, one a line, in the file whose path this returns."""
+        return self.handle("inode/directory", "folders")
+
+    def handle(self, mime_type, what):
+        """Makes the session's default handler for `mime_type`, or for each of a list of them, a
+        script that notes each location it is given, one a line, in the file whose path this
+        returns. The handler is known only to this session: a menu entry in its own data folder
+        and the default in its own settings."""
+        types = [mime_type] if isinstance(mime_type, str) else list(mime_type)
+        opened = os.path.join(self.home, "opened-" + what)
+        script = os.path.join(self.home, "open-" + what)
         with open(script, "w") as handler:
             handler.write('#!/bin/sh\nprintf "%%s\\n" "$1" >> "%s"\n' % opened)
         os.chmod(script, 0o700)
         applications = os.path.join(self.home, "data", "applications")
         os.makedirs(applications, exist_ok=True)
-        with open(os.path.join(applications, "sorvanta-test-folders.desktop"), "w") as entry:
-            entry.write("[Desktop Entry]\nType=Application\nName=Test folders\nNoDisplay=true\n"
-                        "Exec=%s %%u\nMimeType=%s;\n" % (script, ";".join(types)))
+        entry_name = "sorvanta-test-%s.desktop" % what
+        with open(os.path.join(applications, entry_name), "w") as entry:
+            entry.write("[Desktop Entry]\nType=Application\nName=Test %s\nNoDisplay=true\n"
+                        "Exec=%s %%u\nMimeType=%s;\n" % (what, script, ";".join(types)))
         os.makedirs(os.path.join(self.home, "config"), exist_ok=True)
         with open(os.path.join(self.home, "config", "mimeapps.list"), "w") as defaults:
-            defaults.write("[Default Applications]\n" + "".join(
-                "%s=sorvanta-test-folders.desktop\n" % kind for kind in types))
+            defaults.write("[Default Applications]\n" +
+                           "".join("%s=%s\n" % (kind, entry_name) for kind in types))
         return opened
 
     def write_settings(self, text):
@@ -276,6 +283,19 @@ def local_path(location):
     if location.startswith("file://"):
         return urllib.parse.unquote(urllib.parse.urlparse(location).path)
     return location
+
+
+def extents(node):
+    """A control's box on the screen: left, top, width, height."""
+    box = node.get_extents(Atspi.CoordType.SCREEN)
+    return box.x, box.y, box.width, box.height
+
+
+def end_with_escape(session, window):
+    """Escape in the search window closes it, which ends the program with code 0."""
+    session.focus(window)
+    session.keys("Escape")
+    check(session.wait_exit() == 0, "Escape closes the window and ends the program")
 
 
 def table_rows(table):

@@ -2,17 +2,11 @@
 #include "index/index_data.h"
 #include "index/volume_index_builder.h"
 #include "loam/disk_file.h"
-#include "loam/preferences.h"
-#include "loam/scratch_folder.h"
-
-#include <gtest/gtest.h>
+#include "tools/finder_process.h"
 
 #include <chrono>
 #include <csignal>
-#include <fcntl.h>
 #include <poll.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <string>
@@ -20,16 +14,10 @@
 
 namespace {
 
-struct Outcome {
-    int exitCode;
-    std::string out, err;
-};
-
-class SorvantaFindTest : public ScratchFolderTest {
+class SorvantaFindTest : public FinderProcessTest {
 protected:
     void SetUp() override {
-        ScratchFolderTest::SetUp();
-        loam::SetPreferenceLocation("Wendlemark", "Sorvanta");
+        FinderProcessTest::SetUp();
         // A root, two folders and four files of 100 to 400 bytes, in walk order.
         loam::DiskFile file;
         ASSERT_TRUE(file.OpenFile(FileAt("index.idx"), loam::FileModeWrite));
@@ -43,44 +31,7 @@ protected:
         writer.AddFile(FileAt("tree/src/main.cpp"), 400, 0);
         writer.Finish();
     }
-
-    std::string Lines(const std::vector<std::string>& names, const std::string& end = "\n") const {
-        std::string text;
-        for (const std::string& name : names)
-            text += Path(name) + end;
-        return text;
-    }
-
-    // Runs the finder with standard output and error in files, or standard output a pipe that
-    // nobody reads if asked.
-    Outcome Run(std::vector<std::string> arguments, bool closedPipe = false) const {
-        int pipeEnds[2] = {-1, -1};
-        EXPECT_TRUE(!closedPipe || pipe(pipeEnds) == 0);
-        const pid_t child = fork();
-        if (child == 0) {
-            close(pipeEnds[0]);
-            const int flags = O_WRONLY | O_CREAT | O_TRUNC;
-            dup2(closedPipe ? pipeEnds[1] : open(Path("stdout").c_str(), flags, 0600), 1);
-            dup2(open(Path("stderr").c_str(), flags, 0600), 2);
-            std::vector<char*> argv{const_cast<char*>(SORVANTA_FIND)};
-            for (std::string& argument : arguments)
-                argv.push_back(argument.data());
-            argv.push_back(nullptr);
-            execv(SORVANTA_FIND, argv.data());
-            _exit(127);
-        }
-        for (const int end : pipeEnds)
-            close(end);
-        int status = 0;
-        waitpid(child, &status, 0);
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
-                closedPipe ? "" : ReadWhole("stdout"), ReadWhole("stderr")};
-    }
 };
-
-std::string Said(const std::string& text) {
-    return "sorvanta-find: " + text + "\n";
-}
 
 TEST_F(SorvantaFindTest, OutputsExitCodesAndMessages) {
     MakeFile("empty.idx", "");
@@ -98,9 +49,9 @@ TEST_F(SorvantaFindTest, OutputsExitCodesAndMessages) {
         Lines({"tree/", "tree/docs/", "tree/docs/readme.txt", "tree/docs/Old README.txt",
                "tree/NOTES.TXT", "tree/src/", "tree/src/main.cpp"},
               "\r\n");
-    const std::string usage = Said("Usage: sorvanta-find [OPTION]... PATTERN") +
+    const std::string usage = Said("Usage: sorvanta-find [OPTION]... PATTERN...") +
                               Said("Try 'sorvanta-find --help' for more information.");
-    const std::pair<std::vector<std::string>, Outcome> table[] = {
+    ExpectRuns({
         {{"-d", index, "-R", "-w", "readme"}, {0, readmes, ""}},
         {{"--index", index, "--no-auto-wildcards", "*.TXT"},
          {0, readmes + Lines({"tree/NOTES.TXT"}), ""}},
@@ -138,14 +89,7 @@ TEST_F(SorvantaFindTest, OutputsExitCodesAndMessages) {
         {{"-l", "many", "a"}, {2, "", Said("invalid limit 'many'") + usage}},
         {{}, {2, "", usage}},
         {{"--status", "a"}, {2, "", usage}},
-    };
-    for (const auto& [arguments, expected] : table) {
-        SCOPED_TRACE(testing::PrintToString(arguments));
-        const Outcome outcome = Run(arguments);
-        EXPECT_EQ(outcome.exitCode, expected.exitCode);
-        EXPECT_EQ(outcome.out, expected.out);
-        EXPECT_EQ(outcome.err, expected.err);
-    }
+    });
     EXPECT_EQ(ReadWhole("dump.txt"), dump);
 }
 
@@ -160,6 +104,60 @@ TEST_F(SorvantaFindTest, SavedOptionsAndIndexAreTheDefaults) {
     loam::GetPreferences().SetBool("Options.UseRegExp", true);
     EXPECT_EQ(Run({"m.*"}).out, Lines({"tree/src/main.cpp"}));
     EXPECT_EQ(Run({"-R", "m.*"}).exitCode, 1);
+}
+
+// The trigram file that a build writes beside its index changes nothing that the finder prints:
+// the same paths in the same order, counts, limits and failures, whether the file is there,
+// damaged or gone.
+TEST_F(SorvantaFindTest, TheTrigramFileChangesNothingPrinted) {
+    loam::DiskFile file;
+    auto writer = BinaryFileIndexWriter::Begin(file, FileAt("built.idx"));
+    ASSERT_TRUE(writer);
+    writer->AddRoot(FileAt("tree"), 0);
+    const char* const names[] = {"fstab",     "FSTAB.5.gz",       "zlib1g",
+                                 "notes.txt", "x86_64-linux-gnu", "Caf\xe9 menu",
+                                 "two\nlines"};
+    for (int32_t folder = 0; folder < 40; ++folder) {
+        const std::string path = "tree/folder" + std::to_string(folder);
+        writer->AddFolder(FileAt(path), 0);
+        for (int32_t entry = 0; entry < 60; ++entry)
+            writer->AddFile(
+                FileAt(path + "/file" + std::to_string(entry) +
+                       (entry % 23 == folder % 23 ? names[folder % std::size(names)] : ".dat")),
+                1, 0);
+    }
+    writer->Finish();
+    ASSERT_TRUE(std::filesystem::exists(Path("built.idx.trigrams")));
+    const std::string index = Path("built.idx");
+    const std::vector<std::string> searches[] = {
+        {"-d", index, "-R", "-w", "fstab"},
+        {"-d", index, "-R", "-W", "*.txt"},
+        {"-d", index, "-c", "-w", "zlib"},
+        {"-d", index, "-l", "3", "-0", "-w", "x86_64-linux-gnu"},
+        {"-d", index, "-w", "caf\xc9"},
+        {"-d", index, "-w", "two\nlines"},
+        {"-d", index, "-r", ".*fstab.*\\.[a-z]+"},
+        {"-d", index, "-r", "(zlib|notes)[0-9a-z.]*"},
+        {"-d", index, "-R", "-w", "nothing here"},
+        {"-d", index, "-R", "-w", "foo("},
+    };
+    const std::string trigrams = ReadWhole("built.idx.trigrams");
+    std::string damaged = trigrams;
+    damaged[damaged.size() / 2] ^= 1;
+    for (const std::vector<std::string>& arguments : searches) {
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        MakeFile("built.idx.trigrams", trigrams);
+        const Outcome through = Run(arguments);
+        MakeFile("built.idx.trigrams", damaged);
+        const Outcome throughDamaged = Run(arguments);
+        std::filesystem::remove(Path("built.idx.trigrams"));
+        const Outcome whole = Run(arguments);
+        EXPECT_EQ(through.exitCode, whole.exitCode);
+        EXPECT_EQ(through.out, whole.out);
+        EXPECT_EQ(through.err, whole.err);
+        EXPECT_EQ(throughDamaged.out, whole.out);
+    }
+    EXPECT_EQ(Run(searches[0]).out.find("FSTAB.5.gz") != std::string::npos, true);
 }
 
 TEST_F(SorvantaFindTest, AClosedPipeEndsQuietly) {

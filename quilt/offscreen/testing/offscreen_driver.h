@@ -2,6 +2,7 @@
 
 #include "loam/string.h"
 #include "quilt/geometry.h"
+#include "quilt/list_control.h"
 #include "quilt/offscreen/offscreen_desktop.h"
 #include "quilt/offscreen/testing/virtual_clock.h"
 
@@ -134,12 +135,15 @@ public:
                            std::optional<uint32_t> at = {});
     void ClickRow(Dialog& dialog, int32_t id, int32_t row, std::optional<uint32_t> at = {});
     void DoubleClickRow(Dialog& dialog, int32_t id, int32_t row, std::optional<uint32_t> at = {});
+    void ClickCheckBox(Dialog& dialog, int32_t id, int32_t row, std::optional<uint32_t> at = {});
     int32_t GetRowCount(Dialog& dialog, int32_t id) const;
     loam::String GetCellText(Dialog& dialog, int32_t id, int32_t row, int32_t column) const;
     // -1 when no row is selected.
     int32_t GetSelectedRow(Dialog& dialog, int32_t id) const;
     loam::String GetColumnName(Dialog& dialog, int32_t id, int32_t column) const;
     int32_t GetColumnWidth(Dialog& dialog, int32_t id, int32_t column) const;
+    // The column whose heading shows a sort, -1 for none, and that sort's direction.
+    int32_t GetSortColumn(Dialog& dialog, int32_t id, SortDirection& direction) const;
 
     // A drop-down list: a press on its arrow opens or closes it; a row of the open list is
     // chosen by a press on it.
