@@ -8,6 +8,7 @@
 #include "loam/error.h"
 #include "loam/preferences.h"
 #include "quilt/clock.h"
+#include "quilt/file_transfer.h"
 #include "quilt/msg_dialog.h"
 #include "quilt/open_folder.h"
 #include "quilt/wait_cursor.h"
@@ -47,6 +48,11 @@ const quilt::MessageMapEntry SorvantaWindow::entries[] = {
                         &SorvantaWindow::OnResultActivated),
     quilt::Notification(quilt::MsgEnterKey, MainSearchPattern, &SorvantaWindow::OnFind),
     quilt::Notification(quilt::MsgClicked, MainOptionsButton, &SorvantaWindow::OnOptions),
+    quilt::Notification(quilt::MsgContextMenu, MainResultsList, &SorvantaWindow::OnResultMenu),
+    quilt::Command(ResultOpen, &SorvantaWindow::OnOpenResult),
+    quilt::Command(ResultOpenFolder, &SorvantaWindow::OnShowResultInFolder),
+    quilt::Command(ResultCopyPath, &SorvantaWindow::OnCopyResultPath),
+    quilt::Command(ResultCopyName, &SorvantaWindow::OnCopyResultName),
     quilt::EndOfMap,
 };
 
@@ -109,6 +115,7 @@ void SorvantaWindow::OnCancel() {
 bool SorvantaWindow::LoadIndex() {
     auto loaded = std::make_unique<IndexData>();
     loam::FileSpec file = SorvantaApp::GetIndexFile();
+    loadedStamp = file.GetStamp();
     if (file.GetKind() != loam::FileKindFile) {
         indexStatus.SetText(StringNoIndex);
         return false;
@@ -133,8 +140,23 @@ void SorvantaWindow::ShowIndexStatus() {
     indexStatus.SetText(line);
 }
 
+// Another process may have replaced the index file since the last load: a build from the
+// command line or a timer. The new index is taken before a search, when the rows on the screen
+// are about to be replaced anyway. The file of the window's own build is left alone while the
+// build writes it. A file that fails to load is tried again only once it has changed again.
+void SorvantaWindow::PickUpNewIndex() {
+    bool building = builder != nullptr && !buildFinished;
+    if (building || SorvantaApp::GetIndexFile().GetStamp() == loadedStamp) {
+        return;
+    }
+    if (LoadIndex()) {
+        ShowIndexStatus();
+    }
+}
+
 // The pattern counts as used before the search, whether it then fails or not.
 bool SorvantaWindow::OnFind() {
+    PickUpNewIndex();
     if (index == nullptr) {
         quilt::ShowAlert(Text(StringIndexUnavailableTitle), Text(StringNoValidIndex), this);
         return true;
@@ -250,6 +272,52 @@ bool SorvantaWindow::OnResultActivated(int32_t) {
     loam::FileSpec folder;
     if (resultsList.GetSelectedFolder(folder) && !quilt::OpenFolderInShell(folder)) {
         loam::ReportError();
+    }
+    return true;
+}
+
+bool SorvantaWindow::OnResultMenu(int32_t where) {
+    quilt::PopupMenu menu;
+    if (!resultsList.PrepareMenu(menu)) {
+        return true;
+    }
+    int32_t command = menu.TrackAt(resultsList, quilt::UnpackPoint(where));
+    if (command != 0) {
+        OnCommand(command);
+    }
+    return true;
+}
+
+bool SorvantaWindow::OnOpenResult() {
+    loam::FileSpec entry;
+    if (resultsList.GetSelectedEntry(entry) && !quilt::OpenWithDefaultApplication(entry)) {
+        loam::ReportError();
+    }
+    return true;
+}
+
+bool SorvantaWindow::OnShowResultInFolder() {
+    loam::FileSpec entry;
+    loam::FileSpec folder;
+    if (resultsList.GetSelectedEntry(entry) && resultsList.GetSelectedFolder(folder) &&
+        !quilt::ShowInFolder(entry, folder)) {
+        loam::ReportError();
+    }
+    return true;
+}
+
+bool SorvantaWindow::OnCopyResultPath() {
+    loam::FileSpec entry;
+    if (resultsList.GetSelectedEntry(entry)) {
+        quilt::CopyTextToClipboard(entry.GetPath());
+    }
+    return true;
+}
+
+bool SorvantaWindow::OnCopyResultName() {
+    loam::String name;
+    if (resultsList.GetSelectedName(name)) {
+        quilt::CopyTextToClipboard(name);
     }
     return true;
 }

@@ -43,11 +43,18 @@ public:
     // The list's selection decides, not the row given.
     bool OnResultActivated(int32_t row);
     bool OnOptions();
+    // The selected row's context menu, at the point that the list gives.
+    bool OnResultMenu(int32_t where);
+    bool OnOpenResult();
+    bool OnShowResultInFolder();
+    bool OnCopyResultPath();
+    bool OnCopyResultName();
 
     static const quilt::MessageMap messageMap;
 
 private:
     bool LoadIndex();
+    void PickUpNewIndex();
     void ShowIndexStatus();
     void StartBuild();
     void CancelBuild();
@@ -69,4 +76,6 @@ private:
     quilt::AutoPrefCheckBox useRegExp;
     bool buildFinished = false;
     std::unique_ptr<IndexData> index;
+    // The index file as the last load found it: another process may replace it.
+    loam::FileStamp loadedStamp;
 };

@@ -32,6 +32,17 @@ enum FileKind : int {
     FileKindFolder = 2,
 };
 
+// Which file a path names, and which version of it: a file replaced by another under the same
+// name, or written anew, has another stamp. All zero when nothing is there.
+struct FileStamp {
+    uint64_t device = 0;
+    uint64_t node = 0;
+    uint64_t size = 0;
+    int64_t modifiedNanoseconds = 0;
+
+    bool operator==(const FileStamp&) const = default;
+};
+
 // A path value with NativeSeparator between its parts. It neither normalises nor checks the
 // text it is given; both forms of a folder, with and without a trailing separator, work.
 class FileSpec {
@@ -64,6 +75,7 @@ public:
     uint32_t GetFileSize() const;
 
     bool GetModifiedTime(DateTime& out) const;
+    FileStamp GetStamp() const;
     bool CreateFolder(CreateFolderHandler* handler) const;
     bool CreateFolderTree(CreateFolderHandler* handler) const;
     bool Delete() const;

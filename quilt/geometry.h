@@ -9,6 +9,16 @@ struct Point {
     int32_t y = 0;
 };
 
+// A point in one notification word: x in the low 16 bits, y in the high 16 bits, each signed.
+constexpr int32_t PackPoint(const Point& point) {
+    return static_cast<int32_t>((static_cast<uint32_t>(point.y) << 16) |
+                                (static_cast<uint32_t>(point.x) & 0xFFFFu));
+}
+constexpr Point UnpackPoint(int32_t word) {
+    auto bits = static_cast<uint32_t>(word);
+    return Point{static_cast<int16_t>(bits & 0xFFFFu), static_cast<int16_t>(bits >> 16)};
+}
+
 // A client size, as a size change proposes it and a window may correct it.
 struct Size {
     int32_t width = 0;

@@ -3,6 +3,7 @@
 #include "quilt/gtk/gtk_application_imp.h"
 #include "quilt/gtk/gtk_control_imps.h"
 #include "quilt/gtk/gtk_dialog_imp.h"
+#include "quilt/gtk/gtk_file_transfer_imp.h"
 #include "quilt/gtk/gtk_gc_imp.h"
 #include "quilt/gtk/gtk_list_imps.h"
 #include "quilt/gtk/gtk_popup_menu_imp.h"
@@ -12,6 +13,7 @@
 #include "quilt/offscreen/offscreen_browse_dialog_imp.h"
 #include "quilt/offscreen/offscreen_control_imps.h"
 #include "quilt/offscreen/offscreen_dialog_imp.h"
+#include "quilt/offscreen/offscreen_file_transfer_imp.h"
 #include "quilt/offscreen/offscreen_gc_imp.h"
 #include "quilt/offscreen/offscreen_list_imps.h"
 #include "quilt/offscreen/offscreen_popup_menu_imp.h"
@@ -40,6 +42,7 @@ struct BackendImps {
     std::unique_ptr<DropDownListImp> (*dropDownList)();
     std::unique_ptr<BrowseDialogImp> (*browseDialog)();
     std::unique_ptr<PopupMenuImp> (*popupMenu)();
+    std::unique_ptr<FileTransferImp> (*fileTransfer)();
     std::unique_ptr<GCImp> (*gc)();
     std::unique_ptr<RedrawGCImp> (*redrawGC)();
     std::unique_ptr<FontImp> (*font)();
@@ -79,6 +82,7 @@ constexpr BackendImps headlessImps{
     Make<DropDownListImp, Offscreen_DropDownListImp>,
     Make<BrowseDialogImp, Offscreen_BrowseDialogImp>,
     Make<PopupMenuImp, Offscreen_PopupMenuImp>,
+    Make<FileTransferImp, Offscreen_FileTransferImp>,
     Make<GCImp, Offscreen_GCImp>,
     Make<RedrawGCImp, Offscreen_RedrawGCImp>,
     Make<FontImp, Offscreen_FontImp>,
@@ -108,6 +112,7 @@ constexpr BackendImps desktopImps{
     Make<DropDownListImp, Gtk_DropDownListImp>,
     Make<BrowseDialogImp, Gtk_BrowseDialogImp>,
     Make<PopupMenuImp, Gtk_PopupMenuImp>,
+    Make<FileTransferImp, Gtk_FileTransferImp>,
     Make<GCImp, Gtk_GCImp>,
     Make<RedrawGCImp, Gtk_RedrawGCImp>,
     Make<FontImp, Gtk_FontImp>,
@@ -231,6 +236,10 @@ std::unique_ptr<BrowseDialogImp> ImpFactory::CreateBrowseDialogImp() {
 
 std::unique_ptr<PopupMenuImp> ImpFactory::CreatePopupMenuImp() {
     return GetImps().popupMenu();
+}
+
+std::unique_ptr<FileTransferImp> ImpFactory::CreateFileTransferImp() {
+    return GetImps().fileTransfer();
 }
 
 std::unique_ptr<GCImp> ImpFactory::CreateGCImp() {

@@ -11,6 +11,7 @@ class CheckBoxImp;
 class DialogImp;
 class DropDownListImp;
 class EditBoxImp;
+class FileTransferImp;
 class FontImp;
 class GCImp;
 class DateTimeBoxImp;
@@ -61,6 +62,7 @@ public:
     std::unique_ptr<DropDownListImp> CreateDropDownListImp();
     std::unique_ptr<BrowseDialogImp> CreateBrowseDialogImp();
     std::unique_ptr<PopupMenuImp> CreatePopupMenuImp();
+    std::unique_ptr<FileTransferImp> CreateFileTransferImp();
     std::unique_ptr<GCImp> CreateGCImp();
     std::unique_ptr<RedrawGCImp> CreateRedrawGCImp();
     std::unique_ptr<FontImp> CreateFontImp();

@@ -21,6 +21,7 @@ enum KeyCode : int32_t {
     KeyControl = 137,
     KeyAlt = 138,
     KeyF1 = 139,
+    KeyF10 = 148,
     KeyF24 = 162,
 };
 

@@ -18,6 +18,7 @@ const ListBoxImp::Route ListBoxImp::routes[] = {
     {ControlEvent::ItemActivated, &ListBoxImp::OnItemActivated},
     {ControlEvent::ItemCheckChanged, &ListBoxImp::OnItemCheckChanged},
     {ControlEvent::ColumnClicked, &ListBoxImp::OnColumnClicked},
+    {ControlEvent::ContextMenu, &ListBoxImp::OnContextMenu},
 };
 
 void ListBoxImp::EnableSorting() {
@@ -52,6 +53,13 @@ NotificationAnswer ListBoxImp::OnItemCheckChanged(const NativeNotification& noti
                                                   NotificationTranslation& out) {
     out.kind = MsgItemCheckChange;
     out.parameter = AsRow(notification.detail);
+    return AnswerDispatch;
+}
+
+NotificationAnswer ListBoxImp::OnContextMenu(const NativeNotification& notification,
+                                             NotificationTranslation& out) {
+    out.kind = MsgContextMenu;
+    out.parameter = static_cast<int32_t>(notification.detail);
     return AnswerDispatch;
 }
 

@@ -11,11 +11,11 @@ namespace quilt {
 
 // The platform side of a list box: a plain list of rows, or a list of rows in columns under a
 // header, which the native control that it is bound to decides. The backend reports
-// SelectionChanged, ItemActivated and ItemCheckChanged (detail: the row) and ColumnClicked
-// (detail: the column); this class turns them into MsgSelectionChange, MsgItemActivate and
-// MsgItemCheckChange, and sorts on a column click through the owner's CompareItems: the same
-// column again flips the direction, another column starts ascending. The heading of the column
-// sorted by shows the direction of the sort.
+// SelectionChanged, ItemActivated and ItemCheckChanged (detail: the row), ContextMenu and
+// ColumnClicked (detail: the column); this class turns them into MsgSelectionChange,
+// MsgItemActivate, MsgItemCheckChange and MsgContextMenu, and sorts on a column click through the
+// owner's CompareItems: the same column again flips the direction, another column starts
+// ascending. The heading of the column sorted by shows the direction of the sort.
 class ListBoxImp : public ListControlImp {
 public:
     // Stops placing new rows by the native sorted style and sorts the rows by the last column
@@ -67,6 +67,8 @@ private:
                                           NotificationTranslation& out);
     NotificationAnswer OnColumnClicked(const NativeNotification& notification,
                                        NotificationTranslation&);
+    NotificationAnswer OnContextMenu(const NativeNotification& notification,
+                                     NotificationTranslation& out);
     void SortByColumn();
 
     int32_t sortColumn = 0;

@@ -31,6 +31,9 @@ enum NotificationKind : int32_t {
     MsgSliderPageUp = 22,
     MsgSliderThumbPosition = 23,
     MsgTabChange = 25,
+    // A control asks for its context menu, by the mouse or the keyboard; the word is PackPoint
+    // of where the menu goes, in the control's client coordinates.
+    MsgContextMenu = 26,
 };
 
 // How a row's handler is called.

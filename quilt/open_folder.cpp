@@ -11,6 +11,14 @@ namespace {
 constexpr char folderMissingText[] = "The application tried to open a folder that did not exist.";
 constexpr char cannotOpenText[] =
     "The application was unable to open an explorer window onto a particular folder.";
+constexpr char entryMissingText[] = "The application tried to open a file that did not exist.";
+
+// The desktop's interface for showing files in its file manager.
+constexpr char fileManagerName[] = "org.freedesktop.FileManager1";
+constexpr char fileManagerPath[] = "/org/freedesktop/FileManager1";
+// A file manager that does not answer in this time is taken for absent. The window waits for
+// the answer, so the time is short.
+constexpr gint fileManagerTimeout = 3000;
 
 struct LaunchFailure {
     GQuark (*domain)();
@@ -47,17 +55,92 @@ bool RaiseLaunchFailure(const GError* error) {
     return loam::RaiseError(loam::ErrorGeneral, cannotOpenText);
 }
 
+// On false `error` says why, unless the path has no URI.
+bool LaunchDefault(const loam::FileSpec& place, GError** error) {
+    gchar* uri = g_filename_to_uri(place.GetPath().GetCString(), nullptr, error);
+    bool launched = uri != nullptr && g_app_info_launch_default_for_uri(uri, nullptr, error);
+    g_free(uri);
+    return launched;
+}
+
+// One call on the session bus; the reply, or null.
+GVariant* CallBus(GDBusConnection* bus, const char* name, const char* path, const char* method,
+                  GVariant* arguments) {
+    return g_dbus_connection_call_sync(bus, name, path, name, method, arguments, nullptr,
+                                       G_DBUS_CALL_FLAGS_NO_AUTO_START, fileManagerTimeout, nullptr,
+                                       nullptr);
+}
+
+bool IsFileManagerThere(GDBusConnection* bus) {
+    GVariant* reply = CallBus(bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "NameHasOwner",
+                              g_variant_new("(s)", fileManagerName));
+    if (reply == nullptr) {
+        return false;
+    }
+    gboolean owned = FALSE;
+    if (g_variant_is_of_type(reply, G_VARIANT_TYPE("(b)"))) {
+        g_variant_get(reply, "(b)", &owned);
+    }
+    g_variant_unref(reply);
+    return owned;
+}
+
+// Only a file manager that is running is asked: none is started for the purpose.
+bool ShowItemThroughFileManager(const loam::FileSpec& entry) {
+    gchar* uri = g_filename_to_uri(entry.GetPath().GetCString(), nullptr, nullptr);
+    GDBusConnection* bus =
+        uri != nullptr ? g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr) : nullptr;
+    bool shown = false;
+    if (bus != nullptr) {
+        // The shared connection would end the process when the bus goes away.
+        g_dbus_connection_set_exit_on_close(bus, FALSE);
+    }
+    if (bus != nullptr && IsFileManagerThere(bus)) {
+        const gchar* uris[] = {uri, nullptr};
+        GVariant* reply = CallBus(bus, fileManagerName, fileManagerPath, "ShowItems",
+                                  g_variant_new("(^ass)", uris, ""));
+        shown = reply != nullptr;
+        if (reply != nullptr) {
+            g_variant_unref(reply);
+        }
+    }
+    if (bus != nullptr) {
+        g_object_unref(bus);
+    }
+    g_free(uri);
+    return shown;
+}
+
 } // namespace
+
+bool OpenWithDefaultApplication(const loam::FileSpec& entry) {
+    if (entry.GetKind() == loam::FileKindNone) {
+        return loam::RaiseError(loam::ErrorBadPath, entryMissingText);
+    }
+    GError* error = nullptr;
+    if (LaunchDefault(entry, &error)) {
+        return true;
+    }
+    // The desktop's own words say best why it has no application for a file.
+    loam::RaiseError(loam::ErrorGeneral, error != nullptr ? error->message : cannotOpenText);
+    g_clear_error(&error);
+    return false;
+}
+
+bool ShowInFolder(const loam::FileSpec& entry, const loam::FileSpec& folder) {
+    if (folder.GetKind() == loam::FileKindFolder && entry.GetKind() != loam::FileKindNone &&
+        ShowItemThroughFileManager(entry)) {
+        return true;
+    }
+    return OpenFolderInShell(folder);
+}
 
 bool OpenFolderInShell(const loam::FileSpec& folder) {
     if (folder.GetKind() != loam::FileKindFolder) {
         return loam::RaiseError(loam::ErrorBadPath, folderMissingText);
     }
     GError* error = nullptr;
-    gchar* uri = g_filename_to_uri(folder.GetPath().GetCString(), nullptr, &error);
-    bool launched = uri != nullptr && g_app_info_launch_default_for_uri(uri, nullptr, &error);
-    g_free(uri);
-    if (launched) {
+    if (LaunchDefault(folder, &error)) {
         return true;
     }
     bool result = RaiseLaunchFailure(error);

@@ -8,4 +8,13 @@ namespace quilt {
 // folders; never through a shell. On false the error stack says why, for the caller to report.
 bool OpenFolderInShell(const loam::FileSpec& folder);
 
+// Opens the file or folder with the desktop's default application for its type, never through
+// a shell. On false the error stack says why.
+bool OpenWithDefaultApplication(const loam::FileSpec& entry);
+
+// Opens `folder` with `entry` selected in it: through the file manager that owns the desktop's
+// FileManager1 name on the session bus, when one does and the entry is there; otherwise as
+// OpenFolderInShell opens the folder alone.
+bool ShowInFolder(const loam::FileSpec& entry, const loam::FileSpec& folder);
+
 } // namespace quilt

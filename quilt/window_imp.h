@@ -67,6 +67,10 @@ enum class ControlEvent : int32_t {
     ListClosed,
     // The user chose a row of an open drop-down list, after its SelectionChanged.
     SelectionEnded,
+    // The user asked for a control's context menu: a list's row was pressed with the right
+    // button, and selected first, or the menu key was pressed. The detail is PackPoint of where
+    // the menu goes, in the control's client coordinates.
+    ContextMenu,
 };
 
 // How a slider moved.

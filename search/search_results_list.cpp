@@ -2,6 +2,7 @@
 
 #include "index/long_name.h"
 #include "loam/format.h"
+#include "quilt/keys.h"
 #include "quilt/wait_cursor.h"
 
 namespace {
@@ -19,6 +20,15 @@ constexpr ColumnSetup columns[] = {
 };
 
 constexpr char dateFormat[] = "%d/%m/%y %H:%M";
+
+constexpr quilt::MenuItemTemplate rowMenuItems[] = {
+    {ResultOpen, "&Open", 0},
+    {ResultOpenFolder, "Open Containing &Folder", 0},
+    {ResultCopyPath, "Copy &Path", 0},
+    {ResultCopyName, "Copy &Name", 0},
+};
+
+constexpr quilt::MenuTemplate rowMenu{0, rowMenuItems};
 
 template <class Value> int32_t CompareValues(Value a, Value b) {
     return a < b ? -1 : (b < a ? 1 : 0);
@@ -77,6 +87,7 @@ bool SearchResultsList::BindToControl(quilt::Window* parent, int32_t id) {
     if (!ListBox::BindToControl(parent, id)) {
         return false;
     }
+    drag.Enable(*this, *this);
     SetNumberOfColumns(static_cast<int32_t>(std::size(columns)));
     for (int32_t column = 0; column < static_cast<int32_t>(std::size(columns)); ++column) {
         SetColumnName(column, columns[column].heading);
@@ -102,12 +113,94 @@ void SearchResultsList::Fill(IndexData& data) {
     UnlockUpdates();
 }
 
-bool SearchResultsList::GetSelectedFolder(loam::FileSpec& folder) {
+bool SearchResultsList::GetSelectedOrdinal(int32_t& ordinal) {
     int32_t row = -1;
-    uint32_t ordinal = 0;
-    if (index == nullptr || !GetSelection(row) || !GetItemData(row, ordinal)) {
+    uint32_t data = 0;
+    if (index == nullptr || !GetSelection(row) || row < 0 || !GetItemData(row, data)) {
         return false;
     }
-    GetRealFolderOf(*index, index->GetResult(static_cast<int32_t>(ordinal)), folder);
+    ordinal = static_cast<int32_t>(data);
+    return true;
+}
+
+bool SearchResultsList::GetSelectedFolder(loam::FileSpec& folder) {
+    int32_t ordinal = 0;
+    if (!GetSelectedOrdinal(ordinal)) {
+        return false;
+    }
+    GetRealFolderOf(*index, index->GetResult(ordinal), folder);
+    return true;
+}
+
+bool SearchResultsList::GetSelectedEntry(loam::FileSpec& entry) {
+    int32_t ordinal = 0;
+    if (!GetSelectedOrdinal(ordinal)) {
+        return false;
+    }
+    // A root's name is its whole path with its separator, which a path to copy goes without.
+    loam::String path = GetRealPathOf(*index, index->GetResult(ordinal));
+    if (path.GetLength() > 1 && path.GetCString()[path.GetLength() - 1] == loam::NativeSeparator) {
+        path.Truncate(path.GetLength() - 1);
+    }
+    entry.SetPath(path);
+    return true;
+}
+
+bool SearchResultsList::GetSelectedName(loam::String& name) {
+    int32_t ordinal = 0;
+    if (!GetSelectedOrdinal(ordinal)) {
+        return false;
+    }
+    const IndexRecord* record = index->GetResult(ordinal);
+    if (!MayStandForLongName(*record)) {
+        name = index->GetResultName(ordinal);
+        return true;
+    }
+    loam::FileSpec real(GetRealPathOf(*index, record).GetCString());
+    real.GetLeafName(name);
+    return true;
+}
+
+bool SearchResultsList::PrepareMenu(quilt::PopupMenu& menu) {
+    int32_t ordinal = 0;
+    if (!GetSelectedOrdinal(ordinal)) {
+        return false;
+    }
+    menu.Load(rowMenu);
+    menu.EnableItem(ResultOpenFolder, !index->GetResultFolder(ordinal).IsEmpty());
+    return true;
+}
+
+// Return belongs to the dialog's default button unless a row is selected.
+bool SearchResultsList::OnWantKey(int32_t key) {
+    int32_t ordinal = 0;
+    return key == quilt::KeyReturn && GetSelectedOrdinal(ordinal);
+}
+
+// Both keys reach the parent as the double click and the menu command do.
+bool SearchResultsList::OnKeyDown(int32_t key, uint32_t modifiers) {
+    int32_t row = -1;
+    Window* parent = GetParent();
+    if (parent == nullptr || !GetSelection(row) || row < 0) {
+        return false;
+    }
+    if (key == quilt::KeyReturn && modifiers == 0) {
+        parent->GetImp()->OnControlEvent(quilt::NativeNotification{
+            quilt::ControlEvent::ItemActivated, GetId(), static_cast<uint32_t>(row)});
+        return true;
+    }
+    if (key == 'C' && modifiers == quilt::ModifierControl) {
+        parent->OnCommand(ResultCopyPath);
+        return true;
+    }
+    return false;
+}
+
+bool SearchResultsList::GetDragFile(loam::String& path) {
+    loam::FileSpec entry;
+    if (!GetSelectedEntry(entry)) {
+        return false;
+    }
+    path = entry.GetPath();
     return true;
 }

@@ -111,6 +111,16 @@ uint32_t FileSpec::GetFileSize() const {
     return static_cast<uint32_t>(status.st_size);
 }
 
+FileStamp FileSpec::GetStamp() const {
+    struct stat status {};
+    if (!Stat(*this, status))
+        return FileStamp{};
+    return FileStamp{static_cast<uint64_t>(status.st_dev), static_cast<uint64_t>(status.st_ino),
+                     static_cast<uint64_t>(status.st_size),
+                     static_cast<int64_t>(status.st_mtim.tv_sec) * 1000000000 +
+                         status.st_mtim.tv_nsec};
+}
+
 bool FileSpec::GetModifiedTime(DateTime& out) const {
     struct stat status {};
     if (!Stat(*this, status))

@@ -1,6 +1,7 @@
 #include "quilt/gtk/gtk_list_controls.h"
 
 #include "quilt/dialog_template.h"
+#include "quilt/gtk/gtk_list_menu.h"
 #include "quilt/gtk/gtk_list_view.h"
 #include "quilt/gtk/gtk_window_imp.h"
 
@@ -163,6 +164,7 @@ GtkWidget* MakeListView(GtkNative& native, uint32_t style, const char*) {
                                                : GTK_SELECTION_MULTIPLE);
     g_signal_connect(selection, "changed", G_CALLBACK(OnSelectionChanged), nullptr);
     g_signal_connect(view, "row-activated", G_CALLBACK(OnRowActivated), nullptr);
+    ConnectListContextMenu(view);
     GtkWidget* scroller = gtk_scrolled_window_new(nullptr, nullptr);
     gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scroller), GTK_POLICY_AUTOMATIC,
                                    GTK_POLICY_AUTOMATIC);

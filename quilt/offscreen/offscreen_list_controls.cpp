@@ -35,7 +35,24 @@ void NotifyWhileThere(OffscreenHandle handle, ControlEvent event, uint32_t detai
     }
 }
 
+// The right button selects the row under it, as the desktop's lists do, and asks for the
+// row's menu there.
+void ListRightButtonDown(OffscreenListView& list, const OffscreenMessage& message) {
+    int32_t row = list.GetRowAt(message.point);
+    if (row < 0 || list.GetColumnAt(message.point) >= 0) {
+        return;
+    }
+    OffscreenHandle handle = list.handle;
+    GetOffscreenDesktop().SetFocus(&list);
+    list.Select(row);
+    NotifyWhileThere(handle, ControlEvent::ContextMenu, AsDetail(PackPoint(message.point)));
+}
+
 void ListMouseDown(OffscreenListView& list, const OffscreenMessage& message) {
+    if ((message.flags & MouseRight) != 0) {
+        ListRightButtonDown(list, message);
+        return;
+    }
     if (!IsLeftButton(message)) {
         return;
     }
@@ -69,9 +86,17 @@ void ListDoubleClick(OffscreenListView& list, const OffscreenMessage& message) {
     NotifyWhileThere(handle, ControlEvent::ItemActivated, AsDetail(row));
 }
 
+// Shift+F10 asks for the menu of the selected row, beside the row.
+bool IsMenuKey(const OffscreenMessage& message) {
+    return message.value == KeyF10 && (message.flags & ModifierShift) != 0;
+}
+
 void ListKeyDown(OffscreenListView& list, const OffscreenMessage& message) {
     int32_t selected = list.GetSelected();
-    if (message.value == KeyDown && list.IsRow(selected + 1)) {
+    if (IsMenuKey(message)) {
+        Point place = list.IsRow(selected) ? list.GetRowPoint(selected) : Point{};
+        NotifyParent(list, ControlEvent::ContextMenu, AsDetail(PackPoint(place)));
+    } else if (message.value == KeyDown && list.IsRow(selected + 1)) {
         list.Select(selected + 1);
     } else if (message.value == KeyUp && selected > 0) {
         list.Select(selected - 1);

@@ -107,10 +107,11 @@ class Session:
         return self.handle("inode/directory", "folders")
 
     def handle(self, mime_type, what):
-        """Makes the session's default handler for `mime_type` a script that notes each location
-        it is given, one a line, in the file whose path this returns. The handler is known only
-        to this session: a menu entry in its own data folder and the default in its own
-        settings."""
+        """Makes the session's default handler for `mime_type`, or for each of a list of them, a
+        script that notes each location it is given, one a line, in the file whose path this
+        returns. The handler is known only to this session: a menu entry in its own data folder
+        and the default in its own settings."""
+        types = [mime_type] if isinstance(mime_type, str) else list(mime_type)
         opened = os.path.join(self.home, "opened-" + what)
         script = os.path.join(self.home, "open-" + what)
         with open(script, "w") as handler:
@@ -121,10 +122,11 @@ class Session:
         entry_name = "sorvanta-test-%s.desktop" % what
         with open(os.path.join(applications, entry_name), "w") as entry:
             entry.write("[Desktop Entry]\nType=Application\nName=Test %s\nNoDisplay=true\n"
-                        "Exec=%s %%u\nMimeType=%s;\n" % (what, script, mime_type))
+                        "Exec=%s %%u\nMimeType=%s;\n" % (what, script, ";".join(types)))
         os.makedirs(os.path.join(self.home, "config"), exist_ok=True)
         with open(os.path.join(self.home, "config", "mimeapps.list"), "w") as defaults:
-            defaults.write("[Default Applications]\n%s=%s\n" % (mime_type, entry_name))
+            defaults.write("[Default Applications]\n" +
+                           "".join("%s=%s\n" % (kind, entry_name) for kind in types))
         return opened
 
     def write_settings(self, text):

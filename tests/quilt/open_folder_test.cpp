@@ -32,4 +32,44 @@ TEST(OpenFolderTest, RefusesWhatIsNotAFolder) {
     rmdir(folder);
 }
 
+// Nothing that is gone reaches the desktop: each refusal says what was missing.
+TEST(OpenFolderTest, RefusesWhatIsGoneBeforeAskingTheDesktop) {
+    char folder[] = "/tmp/sorvanta-open-XXXXXX";
+    ASSERT_NE(mkdtemp(folder), nullptr);
+    const std::string gone = std::string(folder) + "/gone";
+    const std::string inGone = gone + "/entry.txt";
+    const struct {
+        const char* what;
+        bool (*open)(const std::string& entry, const std::string& folder);
+        std::string entry;
+        std::string folder;
+        const char* message;
+    } cases[] = {
+        {"open a missing file",
+         [](const std::string& entry, const std::string&) {
+             return quilt::OpenWithDefaultApplication(loam::FileSpec(entry.c_str()));
+         },
+         gone, "", "The application tried to open a file that did not exist."},
+        {"show a file whose folder is gone",
+         [](const std::string& entry, const std::string& place) {
+             return quilt::ShowInFolder(loam::FileSpec(entry.c_str()),
+                                        loam::FileSpec(place.c_str()));
+         },
+         inGone, gone, "The application tried to open a folder that did not exist."},
+        {"show a root, which has no folder",
+         [](const std::string& entry, const std::string& place) {
+             return quilt::ShowInFolder(loam::FileSpec(entry.c_str()),
+                                        loam::FileSpec(place.c_str()));
+         },
+         folder, "", "The application tried to open a folder that did not exist."},
+    };
+    for (const auto& c : cases) {
+        loam::ClearErrors();
+        EXPECT_FALSE(c.open(c.entry, c.folder)) << c.what;
+        EXPECT_STREQ(loam::GetCurrentErrorInfo().GetMessage().GetCString(), c.message) << c.what;
+    }
+    loam::ClearErrors();
+    rmdir(folder);
+}
+
 } // namespace

@@ -6,6 +6,7 @@
 #include "quilt/offscreen/offscreen_browse_dialog_imp.h"
 #include "quilt/offscreen/offscreen_controls.h"
 #include "quilt/offscreen/offscreen_dialog_imp.h"
+#include "quilt/offscreen/offscreen_file_transfer_imp.h"
 #include "quilt/offscreen/offscreen_popup_menu_imp.h"
 #include "quilt/offscreen/offscreen_window_imp.h"
 #include "quilt/wait_cursor.h"
@@ -34,6 +35,7 @@ Dialog* GetDialogOf(OffscreenWindow* window) {
 OffscreenDriver::OffscreenDriver(uint32_t startTime)
     : clock(startTime), desktop(GetOffscreenDesktop()) {
     desktop.Reset();
+    Offscreen_FileTransferImp::Reset();
     SetClock(&clock);
     desktop.SetAttended(true);
     desktop.SetModalHook([this](OffscreenWindow& window) { OnModal(window); });
@@ -45,6 +47,7 @@ OffscreenDriver::OffscreenDriver(uint32_t startTime)
 
 OffscreenDriver::~OffscreenDriver() {
     Offscreen_PopupMenuImp::SetAnswerer({});
+    Offscreen_FileTransferImp::Reset();
     Offscreen_BrowseDialogImp::SetAnswerer({});
     desktop.SetModalHook({});
     desktop.Reset();

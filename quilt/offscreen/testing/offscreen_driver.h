@@ -168,6 +168,15 @@ public:
     // An answer that picks the item whose text, with its '&', is `text`; none is picked when no
     // item has it.
     static MenuAnswer PickMenuItem(const char* text);
+    // A list view's context menu: a press of the right button on the row, scrolled into view, or
+    // Shift+F10 on the list, which asks for the selected row's menu.
+    void RightClickRow(Dialog& dialog, int32_t id, int32_t row, std::optional<uint32_t> at = {});
+    void PressMenuKey(Dialog& dialog, int32_t id, std::optional<uint32_t> at = {});
+    // What the desktop's clipboard holds.
+    loam::String GetClipboardText() const;
+    // The user drags the row out of a list view to another program: the path that the drop
+    // gets as "text/plain", or none when no drag can start there.
+    std::optional<loam::String> DragRowOut(Dialog& dialog, int32_t id, int32_t row);
     // How many popup menus have come up since the driver was made.
     int32_t GetMenusShown() const { return menusShown; }
     size_t GetWaitingMenuAnswers() const { return menuAnswers.size(); }

@@ -1,5 +1,10 @@
+#include "quilt/keys.h"
+#include "quilt/offscreen/offscreen_file_transfer_imp.h"
+#include "quilt/offscreen/offscreen_list_controls.h"
 #include "quilt/offscreen/offscreen_popup_menu_imp.h"
+#include "quilt/offscreen/offscreen_window_imp.h"
 #include "quilt/offscreen/testing/offscreen_driver.h"
+#include "quilt/window.h"
 
 #include <string>
 
@@ -20,6 +25,47 @@ OffscreenDriver::MenuAnswer OffscreenDriver::PickMenuItem(const char* text) {
         }
         return std::nullopt;
     };
+}
+
+void OffscreenDriver::RightClickRow(Dialog& dialog, int32_t id, int32_t row,
+                                    std::optional<uint32_t> at) {
+    auto* list = dynamic_cast<OffscreenListView*>(FindControl(dialog, id));
+    if (list == nullptr) {
+        return;
+    }
+    OffscreenMessage message{OffscreenMessageKind::MouseDown};
+    message.flags = MouseRight;
+    message.point = list->GetRowPoint(row);
+    PostToControl(dialog, id, message, at);
+    message.kind = OffscreenMessageKind::MouseUp;
+    PostToControl(dialog, id, message, at);
+}
+
+void OffscreenDriver::PressMenuKey(Dialog& dialog, int32_t id, std::optional<uint32_t> at) {
+    OffscreenMessage message{OffscreenMessageKind::KeyDown};
+    message.value = KeyF10;
+    message.flags = ModifierShift;
+    PostToControl(dialog, id, message, at);
+    message.kind = OffscreenMessageKind::KeyUp;
+    PostToControl(dialog, id, message, at);
+}
+
+loam::String OffscreenDriver::GetClipboardText() const {
+    return Offscreen_FileTransferImp::GetClipboardText();
+}
+
+std::optional<loam::String> OffscreenDriver::DragRowOut(Dialog& dialog, int32_t id, int32_t row) {
+    auto* list = dynamic_cast<OffscreenListView*>(FindControl(dialog, id));
+    if (list == nullptr || !list->IsRow(row) || list->imp == nullptr) {
+        return std::nullopt;
+    }
+    list->Select(row);
+    FileDragSource* source = Offscreen_FileTransferImp::FindDragSource(*list->imp->GetOwner());
+    loam::String path;
+    if (source == nullptr || !source->GetDragFile(path)) {
+        return std::nullopt;
+    }
+    return path;
 }
 
 std::optional<size_t> OffscreenDriver::AnswerMenu(const Offscreen_PopupMenuImp& menu) {
