@@ -10,6 +10,7 @@
 #include "loam/error.h"
 #include "loam/preferences.h"
 #include "search/index_searcher.h"
+#include "tools/index_state.h"
 
 #include <getopt.h>
 
@@ -54,6 +55,8 @@ const char helpText[] =
     "Exit status is 0 if something matched, 1 if nothing did, 2 if an error occurred.\n";
 
 const char noIndexText[] = "No index available.";
+const char gaveUpText[] = "the expression was too complex for a name, and the search stopped there";
+const char dumpOntoIndexText[] = "the dump would take the place of the index it is made from";
 
 enum Action { ActionSearch, ActionStatus, ActionDump, ActionHelp, ActionVersion };
 
@@ -255,18 +258,26 @@ void WritePaths(Output& output, const IndexData& index, int32_t count, char term
 int RunSearch(const Request& request) {
     IndexData index;
     const ScanMatches matches = request.countOnly ? ScanMatches::Counted : ScanMatches::Kept;
-    if (!index.Scan(GetIndexFile(request), matches))
+    const loam::FileSpec file = GetIndexFile(request);
+    const bool scanned = index.Scan(file, matches);
+    if (const char* reason = GetUnfinishedIndexReason(file, scanned, index)) {
+        loam::ClearErrors();
+        return Fail(reason);
+    }
+    if (!scanned)
         return FailWithTopError();
     IndexSearcher searcher;
     const bool started =
         searcher.Start(&index, request.pattern, request.isRegExp, request.autoWildcards);
     bool searching = started;
+    bool gaveUp = false;
     // A refused pattern is told only of an index that loads whole: a damaged record's failure
     // goes on top of the pattern's.
     while (index.GetRecordCount() > 0) {
         if (searching) {
             searcher.RunToEnd(nullptr);
             searching = searcher.Rewind();
+            gaveUp = !searching;
         }
         if (!index.TakeNextWindow())
             return FailWithTopError();
@@ -285,6 +296,9 @@ int RunSearch(const Request& request) {
     }
     if (!output.Finish())
         return ExitError;
+    // What was found stands, as in the window, but it is no answer to the whole question.
+    if (gaveUp)
+        return Fail(gaveUpText);
     return found > 0 ? ExitMatched : ExitNothingMatched;
 }
 
@@ -322,10 +336,13 @@ int DumpToStandardOutput(const IndexData& index) {
 // above all, is told in the system's words; the file takes its name only once it is whole.
 int RunDump(const Request& request) {
     IndexData index;
-    if (!LoadIndex(index, GetIndexFile(request)))
+    const loam::FileSpec indexFile = GetIndexFile(request);
+    if (!LoadIndex(index, indexFile))
         return FailWithTopError();
     if (std::strcmp(request.dumpFile, "-") == 0)
         return DumpToStandardOutput(index);
+    if (loam::FileSpec(request.dumpFile).IsSameFile(indexFile))
+        return Fail(dumpOntoIndexText);
     loam::DiskFile file;
     if (!file.CreateBeside(loam::FileSpec(request.dumpFile)))
         return FailWithTopError();

@@ -111,6 +111,13 @@ uint32_t FileSpec::GetFileSize() const {
     return static_cast<uint32_t>(status.st_size);
 }
 
+bool FileSpec::IsSameFile(const FileSpec& other) const {
+    struct stat mine {};
+    struct stat theirs {};
+    return Stat(*this, mine) && Stat(other, theirs) && mine.st_dev == theirs.st_dev &&
+           mine.st_ino == theirs.st_ino;
+}
+
 bool FileSpec::GetModifiedTime(DateTime& out) const {
     struct stat status {};
     if (!Stat(*this, status))
