@@ -136,7 +136,8 @@ chmod 777 "$work/here"
 if is_root; then
     no_home=(env -u HOME -u XDG_DATA_HOME -u XDG_CONFIG_HOME)
 else
-    no_home=(env -u HOME "XDG_DATA_HOME=$work/not-a-folder/data")
+    no_home=(env -u HOME "XDG_DATA_HOME=$work/not-a-folder/data"
+        "XDG_CONFIG_HOME=$work/here-config")
 fi
 (
     cd "$work/here" || exit 99
