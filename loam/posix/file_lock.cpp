@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <sched.h>
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -22,6 +23,30 @@ int LockWithoutWaiting(int descriptor, int kind) {
     return result;
 }
 
+// A test of IsHeld holds the lock shared for the span of two calls, while a holder that takes it
+// for its work holds it exclusively; only the second makes the lock taken elsewhere, so a shared
+// holder is waited out by trying again.
+FileLock::Outcome LockExclusively(int file) {
+    constexpr int attempts = 1000;
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        if (LockWithoutWaiting(file, LOCK_EX) == 0)
+            return FileLock::Outcome::Taken;
+        if (errno != EWOULDBLOCK)
+            break;
+        if (LockWithoutWaiting(file, LOCK_SH) != 0) {
+            if (errno != EWOULDBLOCK)
+                break;
+            return FileLock::Outcome::HeldElsewhere;
+        }
+        ::flock(file, LOCK_UN);
+        ::sched_yield();
+        if (attempt + 1 == attempts)
+            return FileLock::Outcome::HeldElsewhere;
+    }
+    RaiseLastSystemError();
+    return FileLock::Outcome::Failed;
+}
+
 } // namespace
 
 FileLock::Outcome FileLock::Take(const FileSpec& lockFile) {
@@ -33,17 +58,12 @@ FileLock::Outcome FileLock::Take(const FileSpec& lockFile) {
         RaiseLastSystemError();
         return Outcome::Failed;
     }
-    if (LockWithoutWaiting(file, LOCK_EX) == 0) {
+    const Outcome outcome = LockExclusively(file);
+    if (outcome == Outcome::Taken)
         descriptor = file;
-        return Outcome::Taken;
-    }
-    const int error = errno;
-    ::close(file);
-    if (error == EWOULDBLOCK)
-        return Outcome::HeldElsewhere;
-    errno = error;
-    RaiseLastSystemError();
-    return Outcome::Failed;
+    else
+        ::close(file);
+    return outcome;
 }
 
 void FileLock::Release() {
