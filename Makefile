@@ -2,9 +2,9 @@
 BUILD_PACKAGES := g++ cmake make pkg-config libboost-regex-dev libglib2.0-dev libgtk-3-dev \
                   librsvg2-bin
 # The desktop tests run the program in a private X server, drive it with xdotool, read it through
-# the accessibility bus and keep screenshots.
+# the accessibility bus and keep screenshots; one runs it under a headless Wayland compositor.
 DESKTOP_TEST_PACKAGES := xvfb xdotool dbus-daemon dbus-x11 at-spi2-core python3-gi \
-                         gir1.2-atspi-2.0 gir1.2-gtk-3.0 imagemagick x11-utils
+                         gir1.2-atspi-2.0 gir1.2-gtk-3.0 imagemagick x11-utils weston
 TEST_PACKAGES := $(BUILD_PACKAGES) googletest libgtest-dev clang libclang-rt-14-dev \
                  desktop-file-utils appstream file $(DESKTOP_TEST_PACKAGES)
 PACKAGE_PACKAGES := $(BUILD_PACKAGES) dpkg-dev file
