@@ -337,7 +337,12 @@ int DumpToStandardOutput(const IndexData& index) {
 int RunDump(const Request& request) {
     IndexData index;
     const loam::FileSpec indexFile = GetIndexFile(request);
-    if (!LoadIndex(index, indexFile))
+    const bool loaded = LoadIndex(index, indexFile);
+    if (const char* reason = GetUnfinishedIndexReason(indexFile, loaded, index)) {
+        loam::ClearErrors();
+        return Fail(reason);
+    }
+    if (!loaded)
         return FailWithTopError();
     if (std::strcmp(request.dumpFile, "-") == 0)
         return DumpToStandardOutput(index);

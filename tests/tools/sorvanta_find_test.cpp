@@ -268,8 +268,10 @@ TEST_F(SorvantaFindTest, AnIndexUnderBuildOrLeftUnfinishedIsAnError) {
     const std::string index = Path("index.idx");
     const std::string rebuilt = Said("the index is being rebuilt");
     const std::string incomplete = Said("the index is incomplete; run 'sorvanta /buildindex'");
-    const std::vector<std::vector<std::string>> questions = {
-        {"-d", index, "*"}, {"-d", index, "-c", "nothing"}, {"-d", index, "-r", "x"}};
+    const std::vector<std::vector<std::string>> questions = {{"-d", index, "*"},
+                                                             {"-d", index, "-c", "nothing"},
+                                                             {"-d", index, "-r", "x"},
+                                                             {"-d", index, "--dump", "-"}};
     const auto ask = [&](const std::string& expected) {
         for (const auto& arguments : questions) {
             SCOPED_TRACE(testing::PrintToString(arguments));
