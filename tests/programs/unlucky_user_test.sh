@@ -4,11 +4,16 @@
 # Usage: unlucky_user_test.sh SORVANTA SORVANTA_FIND
 # As root, the cases that need an ordinary user's rights run as nobody.
 set -u
-sorvanta=$(realpath "$1")
-finder=$(realpath "$2")
 work=$(mktemp -d)
 chmod 755 "$work"
 trap 'chmod -R u+rwX "$work" 2>/dev/null; rm -rf "$work"' EXIT
+# Copies that an ordinary user can run wherever the build tree lies.
+mkdir "$work/bin"
+cp "$1" "$work/bin/sorvanta"
+cp "$2" "$work/bin/sorvanta-find"
+chmod 755 "$work/bin"/*
+sorvanta=$work/bin/sorvanta
+finder=$work/bin/sorvanta-find
 failures=0
 
 export XDG_CONFIG_HOME=$work/config XDG_DATA_HOME=$work/data SORVANTA_ROOTS=$work/tree
