@@ -1,5 +1,6 @@
 #include "index/file_index_writer.h"
 
+#include "index/long_name.h"
 #include "loam/disk_file.h"
 #include "loam/error.h"
 
@@ -90,8 +91,9 @@ void BinaryFileIndexWriter::AddEntry(IndexRecordKind kind, const loam::FileSpec&
     ++header.recordCount;
 }
 
-// Finds the record of the folder that holds the path and the name to store under it. False
-// for an entry whose name the format cannot hold: it is left out.
+// Finds the record of the folder that holds the path and the name to store under it: a name
+// longer than a record holds is stored as its stand-in. False for a root whose path the format
+// cannot hold: it is left out.
 bool BinaryFileIndexWriter::Place(const loam::FileSpec& path, bool isRoot, Placement& placement) {
     const loam::String& text = path.GetPath();
     loam::FileSpec parent;
@@ -109,7 +111,10 @@ bool BinaryFileIndexWriter::Place(const loam::FileSpec& path, bool isRoot, Place
         --end;
     const int32_t start = parent.GetPath().GetLength();
     placement = {static_cast<uint32_t>(ordinal), text.GetCString() + start, end - start};
-    return placement.nameLength >= 0 && placement.nameLength <= MaxIndexNameLength;
+    if (placement.nameLength > MaxIndexNameLength)
+        placement = {placement.parent, standIn,
+                     MakeLongNameStandIn(placement.name, placement.nameLength, standIn)};
+    return placement.nameLength >= 0;
 }
 
 bool BinaryFileIndexWriter::FindFolder(const loam::String& key, int32_t& ordinal) {

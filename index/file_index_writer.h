@@ -94,4 +94,6 @@ private:
     loam::String cachedParent;
     int32_t cachedOrdinal = -1;
     uint32_t folderLookups = 0;
+    // The stored form of the last name too long for a record.
+    char standIn[MaxIndexNameBlock];
 };

@@ -1,7 +1,5 @@
 #include "index/folder_walker.h"
 
-#include "index/index_format.h"
-
 #include <cstring>
 
 FolderWalker::FolderWalker(FileIndexWriter* writer, const loam::FileSpec& path,
@@ -110,12 +108,8 @@ void FolderWalker::EndChild() {
     child.reset();
 }
 
-// A folder whose name the index cannot hold would leave everything below it without a parent.
 bool FolderWalker::IsPassedOver(const loam::FileSpec& folder) const {
-    const loam::String& text = folder.GetPath();
-    int32_t separator = 0;
-    text.FindLastChar(loam::NativeSeparator, &separator);
-    return text.GetLength() - separator - 1 > MaxIndexNameLength || IsWalkRoot(text);
+    return IsWalkRoot(folder.GetPath());
 }
 
 bool FolderWalker::IsWalkRoot(const loam::String& folder) const {

@@ -14,10 +14,10 @@
 // on later exactly where it stopped: the chain of walkers is its state.
 //
 // A walk stays in the file system of its root: a folder of another one is written as an empty
-// folder. It passes over the roots of other walks, which add those folders themselves, and a
-// folder whose name the index cannot hold, with everything below it. A symbolic link is a file
-// and is never followed. Paths of any length are walked, and the walk holds two descriptors
-// however deep it goes.
+// folder. It passes over the roots of other walks, which add those folders themselves. Names of
+// every length go to the writer, which stores what a record cannot hold in its own way. A
+// symbolic link is a file and is never followed. Paths of any length are walked, and the walk holds
+// two descriptors however deep it goes.
 //
 // Its memory grows with the depth of the tree and with the names still to come in the folders
 // of the chain above the one under walk (each of those is read whole when the walk goes down

@@ -571,6 +571,10 @@ uint64_t IndexData::GetResultsTotalSize() const {
     return total;
 }
 
+const IndexRecord* IndexData::GetParentOf(const IndexRecord* record) const {
+    return record->parent == IndexNoParent ? nullptr : GetRecordByOrdinal(record->parent);
+}
+
 // Parents always come before their entries in the file, so the walk up is short and ends.
 void IndexData::GetFolderOf(const IndexRecord* record, loam::FileSpec& folder) const {
     std::vector<const IndexRecord*> chain;

@@ -83,6 +83,8 @@ public:
 
     // Of a scan, for a result or a folder that a window has passed.
     void GetFolderOf(const IndexRecord* record, loam::FileSpec& folder) const;
+    // The record of the folder that holds `record`; null for a root.
+    const IndexRecord* GetParentOf(const IndexRecord* record) const;
     loam::String GetPathOf(const IndexRecord* record) const;
 
     // One line per record of the table, full paths with a separator after each folder.

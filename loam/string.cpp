@@ -1,8 +1,11 @@
 #include "loam/string.h"
 
+#include <glib.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 namespace loam {
 
@@ -16,6 +19,24 @@ bool IsTrimmable(unsigned char byte) {
 
 bool InSet(char byte, const char* set) {
     return byte != 0 && std::strchr(set, byte) != nullptr;
+}
+
+struct CharacterRange {
+    gunichar first;
+    gunichar last;
+};
+
+// The characters that change the direction of the text after them until their end or the end of
+// the line: embeddings, overrides and their end (U+202A..U+202E), isolates and their end
+// (U+2066..U+2069).
+constexpr CharacterRange directionControls[] = {{0x202A, 0x202E}, {0x2066, 0x2069}};
+
+bool IsDirectionControl(gunichar character) {
+    for (const CharacterRange& range : directionControls) {
+        if (character >= range.first && character <= range.last)
+            return true;
+    }
+    return false;
 }
 
 } // namespace
@@ -444,6 +465,31 @@ bool StringParser::ReadToken(String& out, const char* delimiters, bool quoted) {
         ++position;
     }
     return true;
+}
+
+// Built where growth is amortised: a multi-line text may be long.
+String MakeDisplayText(const char* bytes) {
+    const char* const end = bytes + std::strlen(bytes);
+    std::string shown;
+    char escape[16];
+    for (const char* at = bytes; at < end;) {
+        const gunichar character = g_utf8_get_char_validated(at, end - at);
+        if (character == static_cast<gunichar>(-1) || character == static_cast<gunichar>(-2)) {
+            std::snprintf(escape, sizeof escape, "\\x%02X", static_cast<unsigned char>(*at));
+            shown += escape;
+            ++at;
+            continue;
+        }
+        const char* const next = g_utf8_next_char(at);
+        if (IsDirectionControl(character)) {
+            std::snprintf(escape, sizeof escape, "\\u%04X", character);
+            shown += escape;
+        } else {
+            shown.append(at, next);
+        }
+        at = next;
+    }
+    return String(shown.c_str());
 }
 
 } // namespace loam

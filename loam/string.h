@@ -80,6 +80,13 @@ inline char FoldToLower(char byte) {
     return (byte >= 'A' && byte <= 'Z') ? static_cast<char>(byte + ('a' - 'A')) : byte;
 }
 
+// The text to show a person for `bytes`, a file name above all: UTF-8 as it stands, except what
+// would hide or disguise part of it, which is shown as an escape. A byte that is not part of
+// valid UTF-8 becomes \xHH; a bidirectional embedding, override or isolate character becomes
+// \uHHHH, since it would turn the text after it around ("rtl\u202Etxt.exe" would read
+// "rtlexe.txt").
+String MakeDisplayText(const char* bytes);
+
 // A string with a read position, for splitting text into tokens.
 class StringParser : public String {
 public:

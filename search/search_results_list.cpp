@@ -1,5 +1,6 @@
 #include "search/search_results_list.h"
 
+#include "index/long_name.h"
 #include "loam/format.h"
 #include "quilt/wait_cursor.h"
 
@@ -107,6 +108,6 @@ bool SearchResultsList::GetSelectedFolder(loam::FileSpec& folder) {
     if (index == nullptr || !GetSelection(row) || !GetItemData(row, ordinal)) {
         return false;
     }
-    folder.SetPath(index->GetResultFolder(static_cast<int32_t>(ordinal)));
+    GetRealFolderOf(*index, index->GetResult(static_cast<int32_t>(ordinal)), folder);
     return true;
 }

@@ -33,7 +33,8 @@ public:
     bool BindToControl(quilt::Window* parent, int32_t id) override;
     // Rebuilds every row from the index's result table. The rows refer to `data` from now on.
     void Fill(IndexData& data);
-    // The folder of the selected row; false when none is selected.
+    // The real folder on the disk of the selected row, names too long for the index restored;
+    // false when none is selected.
     bool GetSelectedFolder(loam::FileSpec& folder);
 
 private:

@@ -6,6 +6,7 @@
 #include "index/index_data.h"
 #include "index/index_format.h"
 #include "index/index_status.h"
+#include "index/long_name.h"
 #include "loam/disk_file.h"
 #include "loam/error.h"
 #include "loam/preferences.h"
@@ -232,19 +233,19 @@ bool CountIndex(IndexData& index, const loam::FileSpec& file) {
 }
 
 // Paths are built only for what is printed, and no longer once the output has failed. They are
-// built as IndexData::GetPathOf builds them, but results come in index order and most share
-// their folder with the one before, so the folder is walked up to only when it changes.
+// the real paths on the disk, as GetRealPathOf builds them, but results come in index order and
+// most share their folder with the one before, so the folder is walked up to only when it changes.
 void WritePaths(Output& output, const IndexData& index, int32_t count, char terminator) {
     loam::FileSpec folder, path;
     uint32_t parentOfFolder = IndexNoParent;
     for (int32_t i = 0; i < count; ++i) {
         const IndexRecord* record = index.GetResult(i);
         if (i == 0 || record->GetParent() != parentOfFolder) {
-            index.GetFolderOf(record, folder);
+            GetRealFolderOf(index, record, folder);
             parentOfFolder = record->GetParent();
         }
         path = folder;
-        path.Append(record->GetName());
+        AppendRealName(path, *record);
         const loam::String& text = path.GetPath();
         if (!output.Write(text.GetCString(), static_cast<size_t>(text.GetLength())) ||
             !output.Write(&terminator, 1))

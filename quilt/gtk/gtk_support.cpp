@@ -163,13 +163,7 @@ GtkWidget* NewClientArea() {
 }
 
 std::string ToDisplayText(const char* bytes) {
-    if (g_utf8_validate(bytes, -1, nullptr)) {
-        return bytes;
-    }
-    gchar* shown = g_filename_display_name(bytes);
-    std::string text(shown);
-    g_free(shown);
-    return text;
+    return loam::MakeDisplayText(bytes).GetCString();
 }
 
 std::string ToMnemonicText(const char* text) {

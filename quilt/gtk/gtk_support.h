@@ -49,7 +49,8 @@ GtkWidget* FindNativeWidgetAbove(GtkWidget* widget);
 GtkWidget* NewClientArea();
 
 // Text between the toolkit and GTK. Toolkit text is bytes; GTK takes UTF-8. Bytes that are not
-// UTF-8, as a file name may be, are shown in GLib's readable display form.
+// UTF-8, as a file name may be, and characters that would turn the text around are shown as
+// escapes (loam::MakeDisplayText).
 std::string ToDisplayText(const char* bytes);
 inline std::string ToDisplayText(const loam::String& bytes) {
     return ToDisplayText(bytes.GetCString());

@@ -1,6 +1,8 @@
 """A double click on a result row opens the folder that holds the entry, through the desktop's
 default handler for folders; a row whose folder has gone since the index was built gives the
-error dialog with the words for a missing folder, and opens nothing."""
+error dialog with the words for a missing folder, and opens nothing. A folder whose name is longer
+than the index holds is opened as it is on the disk, and a name that would turn its own text
+around shows the character that does it as an escape."""
 
 import os
 import shutil
@@ -11,6 +13,9 @@ from sorvanta_desktop import (Atspi, Session, cell, cell_text, check, local_path
 
 TITLE = "Sorvanta - v1.14"
 MISSING_FOLDER = "The application tried to open a folder that did not exist."
+# 84 characters of three bytes: 252 bytes, one more than a record of the index holds.
+LONG_NAME = "\u6587" * 84
+DISGUISED_NAME = "rtl\u202etxt.exe"
 
 
 def opened_folders(opened):
@@ -32,6 +37,8 @@ def open_row(session, window, table, pattern):
 
 def test(session):
     opened = session.handle_folders()
+    os.makedirs(os.path.join(session.tree, LONG_NAME))
+    open(os.path.join(session.tree, LONG_NAME, DISGUISED_NAME), "w").close()
     session.build_index()
     gone = os.path.join(session.tree, "folder005")
     shutil.rmtree(gone)
@@ -58,6 +65,18 @@ def test(session):
     wait_for("the error dialog to close", lambda: len(session.application_windows()) == 1)
     check(opened_folders(opened) == [os.path.join(session.tree, "folder000")],
           "nothing more was opened: %s" % opened_folders(opened))
+
+    search(session, window, "rtl*")
+    wait_for("the row of the disguised name", lambda: table_rows(table) == 1)
+    shown = cell_text(table, 0, 0)
+    check(shown == "rtl\\u202Etxt.exe", "the name shows its direction override: " + shown)
+    check(cell_text(table, 0, 1).startswith(os.path.join(session.tree, LONG_NAME[:40])),
+          "the folder shows the head of its long name: " + cell_text(table, 0, 1))
+    session.double_click(cell(table, 0, 0))
+    wait_for("the long folder to be opened", lambda: len(opened_folders(opened)) == 2)
+    check(opened_folders(opened)[1] == os.path.join(session.tree, LONG_NAME),
+          "the handler was given the real folder: %s" % opened_folders(opened)[1])
+    session.screenshot("long-and-disguised-names", window)
 
     session.focus(window)
     session.keys("Escape")

@@ -25,13 +25,17 @@ TEST(GtkText, MnemonicMarksBecomeGtkMarks) {
     }
 }
 
-// A name that is not UTF-8 is shown readably; one that is stays as it is.
-TEST(GtkText, BytesThatAreNotUtf8AreShownReadably) {
-    EXPECT_EQ(quilt::ToDisplayText("caf\xc3\xa9.txt"), "caf\xc3\xa9.txt");
-    std::string shown = quilt::ToDisplayText("caf\xe9.txt");
-    EXPECT_TRUE(g_utf8_validate(shown.c_str(), -1, nullptr));
-    EXPECT_EQ(shown.rfind("caf", 0), 0u);
-    EXPECT_NE(shown.find(".txt"), std::string::npos);
+// What GTK is given is UTF-8, and nothing in it hides or turns around part of a name.
+TEST(GtkText, NamesAreShownWithWhatDisguisesThemEscaped) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"caf\xc3\xa9.txt", "caf\xc3\xa9.txt"},
+        {"caf\xe9.txt", "caf\\xE9.txt"},
+        {"rtl\xE2\x80\xAEtxt.exe", "rtl\\u202Etxt.exe"},
+    };
+    for (const auto& [bytes, shown] : cases) {
+        EXPECT_EQ(quilt::ToDisplayText(bytes), shown);
+        EXPECT_TRUE(g_utf8_validate(quilt::ToDisplayText(bytes).c_str(), -1, nullptr));
+    }
 }
 
 TEST(GtkKeys, KeysAndModifiersBecomeTheToolkitsCodes) {

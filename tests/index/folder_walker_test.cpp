@@ -57,9 +57,15 @@ protected:
     }
 };
 
-// Each folder and file once, as `find` lists them, whatever the roots; a name too long for the
-// index leaves out its whole subtree.
+// Each folder and file once, as `find` lists them, whatever the roots, and each found again on the
+// disk from the index: names of every length the file system allows, folders of such names with
+// everything below them among them.
 TEST_F(FolderWalkerTest, AnIndexedTreeHoldsWhatFindListsEachOnce) {
+    // 84 characters of three bytes each make 252 bytes; 85 make 255.
+    std::string cjk83;
+    for (int i = 0; i < 83; ++i)
+        cjk83 += "\xE6\x96\x87";
+    const std::string cjk84 = cjk83 + "\xE5\xAD\x97", cjk85 = cjk84 + "\xE6\x96\x87";
     const std::string longest(251, 'k'), tooLong(252, 'x'), nameMax(255, 'y');
     MakeFile("a.txt", "hello");
     MakeFile(".hidden");
@@ -70,9 +76,12 @@ TEST_F(FolderWalkerTest, AnIndexedTreeHoldsWhatFindListsEachOnce) {
     std::filesystem::create_directories(Path("empty"));
     MakeFile("a/inner/deep/file.txt", "12");
     MakeFile(longest + "/kept.txt");
-    MakeFile(tooLong + "/below/lost.txt");
-    MakeFile(nameMax + "/lost.txt");
+    MakeFile(tooLong + "/below/kept.txt");
+    MakeFile(nameMax + "/kept.txt", "12345");
+    MakeFile(nameMax + "/" + std::string(253, 'z') + "/" + std::string(254, 'w'), "1");
+    MakeFile(cjk84 + "/" + cjk83 + ".pdf/" + cjk85, "abc");
     MakeFile("files/" + tooLong);
+    MakeFile("files/" + cjk85);
     std::filesystem::create_directory_symlink("sub", Path("folder-link"));
     std::filesystem::create_directory_symlink("..", Path("sub/up"));
     std::filesystem::create_symlink("missing", Path("dangling"));
@@ -80,12 +89,7 @@ TEST_F(FolderWalkerTest, AnIndexedTreeHoldsWhatFindListsEachOnce) {
     SetTime("sub", 1234567890);
     SetTime("folder-link", 42);
     SetTime("", 777);
-    std::set<Entry> found;
-    for (const Entry& entry : Find(tree)) {
-        if (entry.path.find(tooLong) == std::string::npos &&
-            entry.path.find(nameMax) == std::string::npos)
-            found.insert(entry);
-    }
+    const std::set<Entry> found = Find(tree);
 
     const std::pair<std::vector<std::string>, std::set<std::string>> cases[] = {
         {{""}, {""}},

@@ -2,6 +2,7 @@
 
 #include "index/file_index_writer.h"
 #include "index/index_data.h"
+#include "index/long_name.h"
 #include "index/volume_index_builder.h"
 #include "loam/disk_file.h"
 #include "loam/scratch_folder.h"
@@ -129,23 +130,26 @@ protected:
         return found;
     }
 
-    // Builds the index of the roots in one call into a file beside the tree, and reads it back
-    // as a walk would hand it over: a record without a parent is a root.
-    RecordingWriter BuildIndex() const {
+    // Builds the index of the roots in one call into a file beside the tree.
+    loam::FileSpec WriteIndex() const {
         const loam::FileSpec file((root + "/sorvanta.idx").c_str());
-        {
-            loam::DiskFile disk;
-            EXPECT_TRUE(disk.OpenFile(file, loam::FileModeWrite));
-            BinaryFileIndexWriter writer(&disk);
-            EXPECT_TRUE(VolumeIndexBuilder(nullptr).RunToCompletion(&writer));
-            writer.Finish();
-        }
+        loam::DiskFile disk;
+        EXPECT_TRUE(disk.OpenFile(file, loam::FileModeWrite));
+        BinaryFileIndexWriter writer(&disk);
+        EXPECT_TRUE(VolumeIndexBuilder(nullptr).RunToCompletion(&writer));
+        writer.Finish();
+        return file;
+    }
+
+    // Builds the index and reads it back as a walk would hand it over, with the real paths on
+    // the disk: a record without a parent is a root.
+    RecordingWriter BuildIndex() const {
         IndexData index;
-        EXPECT_TRUE(index.Load(file));
+        EXPECT_TRUE(index.Load(WriteIndex()));
         RecordingWriter read;
         for (int32_t ordinal = 0; ordinal < index.GetRecordCount(); ++ordinal) {
             const IndexRecord* record = index.GetRecord(ordinal);
-            const loam::FileSpec path(index.GetPathOf(record).GetCString());
+            const loam::FileSpec path(GetRealPathOf(index, record).GetCString());
             const loam::DateTime modified(record->GetModified());
             if (!record->IsFolder())
                 read.AddFile(path, record->GetSize(), modified);

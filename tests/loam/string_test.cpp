@@ -64,6 +64,35 @@ TEST(String, FindAndCompare) {
     EXPECT_FALSE(String("\xC9").EqualsNoCase(String("\xE9")));
 }
 
+// A name shows as its characters, except what would hide part of it or turn it around: bytes
+// that are no UTF-8 and the direction controls read as escapes.
+TEST(String, DisplayTextEscapesWhatDisguisesAName) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"", ""},
+        {"plain.txt", "plain.txt"},
+        {"caf\xC3\xA9 \xE6\x96\x87\xF0\x9F\x93\x84.txt",
+         "caf\xC3\xA9 \xE6\x96\x87\xF0\x9F\x93\x84.txt"},
+        {"caf\xE9.txt", "caf\\xE9.txt"},
+        {"cut\xE6\x96", "cut\\xE6\\x96"},
+        {"\xC0\xAF overlong", "\\xC0\\xAF overlong"},
+        {"\xED\xA0\x80 surrogate", "\\xED\\xA0\\x80 surrogate"},
+        {"rtl\xE2\x80\xAEtxt.exe", "rtl\\u202Etxt.exe"},
+        {"\xE2\x80\xAA\xE2\x80\xAB\xE2\x80\xAC\xE2\x80\xAD", "\\u202A\\u202B\\u202C\\u202D"},
+        {"\xE2\x81\xA6"
+         "a\xE2\x81\xA7"
+         "b\xE2\x81\xA8"
+         "c\xE2\x81\xA9",
+         "\\u2066a\\u2067b\\u2068c\\u2069"},
+        // Neighbours of the controls are ordinary characters: a zero-width space, the ellipsis,
+        // a narrow no-break space, the invisible times.
+        {"\xE2\x80\x8B\xE2\x80\xA6\xE2\x80\xAF\xE2\x81\xA2",
+         "\xE2\x80\x8B\xE2\x80\xA6\xE2\x80\xAF\xE2\x81\xA2"},
+        {"back\\slash", "back\\slash"},
+    };
+    for (const auto& [bytes, shown] : cases)
+        EXPECT_STREQ(loam::MakeDisplayText(bytes).GetCString(), shown) << bytes;
+}
+
 TEST(Format, ByteSizesAndThousands) {
     const std::pair<int64_t, const char*> sizes[] = {
         {0, "0 bytes"},         {1, "1 bytes"},

@@ -340,4 +340,43 @@ TEST_F(SorvantaFindTest, AnExpressionGivenUpOnANameIsAnError) {
               Said("the expression was too complex for a name, and the search stopped there"));
 }
 
+// Names longer than a record holds are found by their head or their ending, and printed as they
+// are on the disk, whether they are the entry's own name or a folder's on its path.
+TEST_F(SorvantaFindTest, LongNamesArePrintedAsTheyAreOnTheDisk) {
+    std::string cjk83;
+    for (int i = 0; i < 83; ++i)
+        cjk83 += "\xE6\x96\x87";
+    const std::string cjk84 = cjk83 + "\xE5\xAD\x97";
+    const std::string pdf = "tree/" + cjk84 + "/" + cjk83 + ".pdf";
+    const std::string folders = "tree/" + std::string(255, 'y') + "/" + std::string(253, 'z');
+    std::filesystem::create_directories(Path(folders));
+    std::filesystem::create_directories(Path("tree/" + cjk84));
+    MakeFile(pdf, "%PDF");
+    MakeFile(folders + "/report.txt", "12");
+    {
+        const ScopedEnvironment roots("SORVANTA_ROOTS", Path("tree").c_str());
+        loam::DiskFile file;
+        const auto writer = BinaryFileIndexWriter::Begin(file, FileAt("long.idx"));
+        ASSERT_NE(writer, nullptr);
+        EXPECT_TRUE(VolumeIndexBuilder(nullptr).RunToCompletion(writer.get()));
+        writer->Finish();
+    }
+    const std::string index = Path("long.idx");
+    const std::pair<std::vector<std::string>, std::string> table[] = {
+        {{"-R", "-W", "*.pdf"}, Lines({pdf})},
+        {{"-R", "-W", "report.txt"}, Lines({folders + "/report.txt"})},
+        {{"-r", "y.*"}, Lines({"tree/" + std::string(255, 'y')})},
+        {{"-R", "-W", "*zzz"}, Lines({folders})},
+        {{"-R", "-W", "*.txt"}, Lines({folders + "/report.txt"})},
+    };
+    for (const auto& [arguments, printed] : table) {
+        std::vector<std::string> all = {"-d", index};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        const Outcome outcome = Run(all);
+        EXPECT_EQ(outcome.exitCode, 0) << arguments.back();
+        EXPECT_EQ(outcome.out, printed) << arguments.back();
+        EXPECT_EQ(outcome.err, "") << arguments.back();
+    }
+}
+
 } // namespace
