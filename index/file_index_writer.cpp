@@ -51,6 +51,8 @@ BinaryFileIndexWriter::Begin(loam::DiskFile& file, const loam::FileSpec& locatio
         RaiseBuildInProgress();
     if (outcome != loam::FileLock::Outcome::Taken || !file.PutInPlace())
         return nullptr;
+    writer->sidecar = std::make_unique<trigram::SidecarWriter>();
+    writer->location = location;
     return writer;
 }
 
@@ -76,6 +78,9 @@ void BinaryFileIndexWriter::Finish() {
     header.unfinished = 0;
     WriteHeader();
     file->Close();
+    if (sidecar)
+        sidecar->Write(location);
+    sidecar.reset();
     buildLock.Release();
 }
 
@@ -143,6 +148,8 @@ void BinaryFileIndexWriter::WriteRecord(const IndexRecord& fixed, const char* na
     std::memcpy(bytes, &record, sizeof record);
     std::memcpy(bytes + sizeof record, name, nameLength);
     file->Write(bytes, sizeof record + blockLength, nullptr);
+    if (sidecar)
+        sidecar->AddRecord(name, nameLength, sizeof record + blockLength);
 }
 
 void BinaryFileIndexWriter::RememberFolder(const loam::FileSpec& path, int32_t ordinal) {

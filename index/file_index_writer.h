@@ -1,6 +1,7 @@
 #pragma once
 
 #include "index/index_format.h"
+#include "index/trigram_sidecar.h"
 #include "loam/date_time.h"
 #include "loam/file.h"
 #include "loam/file_lock.h"
@@ -96,4 +97,8 @@ private:
     uint32_t folderLookups = 0;
     // The stored form of the last name too long for a record.
     char standIn[MaxIndexNameBlock];
+    // A build's index gets the trigram file that lets the finder read only the records a search
+    // may find, written beside it once it is sealed.
+    std::unique_ptr<trigram::SidecarWriter> sidecar;
+    loam::FileSpec location;
 };

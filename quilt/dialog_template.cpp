@@ -26,6 +26,10 @@ constexpr KindStyle kindStyles[] = {
     {ControlKind::ListView, StyleTabStop},
     {ControlKind::ComboBoxWithEdit, StyleTabStop | StyleDropDown},
     {ControlKind::TrackBar, StyleTabStop},
+    {ControlKind::RadioButton, StyleRadio},
+    {ControlKind::AutoRadioButton, StyleRadio | StyleAutoCheck},
+    {ControlKind::DateTimePicker, StyleTabStop},
+    {ControlKind::TabControl, StyleTabStop},
 };
 
 constexpr DialogTemplate dynamicTemplate{

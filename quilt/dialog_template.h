@@ -24,6 +24,10 @@ enum class ControlKind : int32_t {
     ComboBoxWithEdit,
     TrackBar,
     ProgressBar,
+    RadioButton,     // only the program checks it
+    AutoRadioButton, // a click checks it and unchecks the rest of its group
+    DateTimePicker,
+    TabControl,
 };
 
 // Style bits of a control. A template gives the first group; the kind brings the second.
@@ -38,6 +42,7 @@ enum ControlStyle : uint32_t {
     StyleReportView = 1u << 7,
     StyleSingleSelection = 1u << 8,
     StyleSortAscending = 1u << 9,
+    StyleGroup = 1u << 10, // the first control of a group of radio buttons
 
     StyleDefaultButton = 1u << 16,
     StyleCheckBox = 1u << 17,
@@ -46,6 +51,7 @@ enum ControlStyle : uint32_t {
     StyleCentred = 1u << 20,
     StyleRightAligned = 1u << 21,
     StyleDropDown = 1u << 22,
+    StyleRadio = 1u << 23,
 };
 
 enum DialogStyle : uint32_t {

@@ -52,8 +52,9 @@ public:
     }
     void DrawEdge(const Rect& rect, uint32_t flags) { imp->DrawEdge(rect, flags); }
     void DrawFocusRect(const Rect& rect) { imp->DrawFocusRect(rect); }
-    bool DrawThemedPart(ThemedPart part, const Rect& rect, const Rect& clip) {
-        return imp->DrawThemedPart(part, rect, clip);
+    void DrawIcon(const Icon& icon, int32_t x, int32_t y) { imp->DrawIcon(icon, x, y); }
+    bool DrawThemedPart(ThemedPart part, const Rect& rect, const Rect& clip, uint32_t state = 0) {
+        return imp->DrawThemedPart(part, rect, clip, state);
     }
 
 private:

@@ -1,5 +1,6 @@
 #include "quilt/gc_imp.h"
 
+#include "quilt/icon.h"
 #include "quilt/window.h"
 
 namespace quilt {
@@ -120,8 +121,14 @@ void GCImp::DrawFocusRect(const Rect& rect) {
     }
 }
 
-bool GCImp::DrawThemedPart(ThemedPart part, const Rect& rect, const Rect& clip) {
-    return IsAttached() && PaintThemedPart(part, ToWindow(rect), ToWindow(clip));
+void GCImp::DrawIcon(const Icon& icon, int32_t x, int32_t y) {
+    if (IsAttached() && icon.IsLoaded()) {
+        PaintIcon(*icon.GetImp(), ToWindow(x, y));
+    }
+}
+
+bool GCImp::DrawThemedPart(ThemedPart part, const Rect& rect, const Rect& clip, uint32_t state) {
+    return IsAttached() && PaintThemedPart(part, ToWindow(rect), ToWindow(clip), state);
 }
 
 Rect GCImp::ToWindow(const Rect& rect) const {

@@ -10,6 +10,8 @@
 namespace quilt {
 
 class Font;
+class Icon;
+class IconImp;
 class Window;
 
 enum PenStyle : uint32_t {
@@ -55,6 +57,17 @@ enum EdgeFlags : uint32_t {
 // What the desktop's theme may draw for the toolkit's own controls.
 enum class ThemedPart {
     SizeGrip,
+    CheckBox,    // the box of a check box, 13 by 13 pixels in the classic look
+    ButtonFrame, // the face and frame of a push button
+    RightArrow,  // the arrow button of a scroll bar that points right
+};
+
+// How a themed part is drawn, any combination.
+enum ThemedState : uint32_t {
+    ThemedHot = 1,     // the mouse is over it
+    ThemedPressed = 2, // held down; wins over hot where a part shows only one
+    ThemedChecked = 4,
+    ThemedMixed = 8, // a check box that is neither checked nor unchecked
 };
 
 // The part of a drawing context that PushState saves.
@@ -65,6 +78,8 @@ struct GCState {
     uint32_t brushStyle = 0; // kept and saved; every brush is solid
     Colour brushColour = White;
     Colour backColour = White; // kept and saved; nothing paints with it
+    // Opaque text stands on the native context's own background colour, white, which the back
+    // colour above never reaches.
     uint32_t backMode = BackModeTransparent;
     Colour textColour = Black;
     Font* font = nullptr; // not owned; none: the platform's default font
@@ -121,8 +136,11 @@ public:
     void MeasureText(const loam::String& text, uint32_t flags, Rect& rect);
     void DrawEdge(const Rect& rect, uint32_t flags);
     void DrawFocusRect(const Rect& rect);
-    // False when no theme runs: the caller then draws the classic way.
-    bool DrawThemedPart(ThemedPart part, const Rect& rect, const Rect& clip);
+    // At the icon's natural size, its top left corner at x, y. An empty icon draws nothing.
+    void DrawIcon(const Icon& icon, int32_t x, int32_t y);
+    // False when no theme runs: the caller then draws the classic way. `state` holds
+    // ThemedState flags.
+    bool DrawThemedPart(ThemedPart part, const Rect& rect, const Rect& clip, uint32_t state = 0);
 
 protected:
     void SetWindow(Window* attached) { window = attached; }
@@ -140,7 +158,9 @@ protected:
     virtual void CalculateTextRect(const loam::String& text, Rect& rect, uint32_t flags) = 0;
     virtual void PaintEdge(const Rect& rect, uint32_t flags) = 0;
     virtual void PaintFocusRect(const Rect& rect) = 0;
-    virtual bool PaintThemedPart(ThemedPart part, const Rect& rect, const Rect& clip) = 0;
+    virtual void PaintIcon(IconImp& icon, const Point& at) = 0;
+    virtual bool PaintThemedPart(ThemedPart part, const Rect& rect, const Rect& clip,
+                                 uint32_t state) = 0;
 
 private:
     Rect ToWindow(const Rect& rect) const;

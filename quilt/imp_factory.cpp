@@ -5,6 +5,7 @@
 #include "quilt/gtk/gtk_dialog_imp.h"
 #include "quilt/gtk/gtk_gc_imp.h"
 #include "quilt/gtk/gtk_list_imps.h"
+#include "quilt/gtk/gtk_popup_menu_imp.h"
 #include "quilt/gtk/gtk_support.h"
 #include "quilt/gtk/gtk_window_imp.h"
 #include "quilt/offscreen/offscreen_application_imp.h"
@@ -13,6 +14,7 @@
 #include "quilt/offscreen/offscreen_dialog_imp.h"
 #include "quilt/offscreen/offscreen_gc_imp.h"
 #include "quilt/offscreen/offscreen_list_imps.h"
+#include "quilt/offscreen/offscreen_popup_menu_imp.h"
 #include "quilt/offscreen/offscreen_window_imp.h"
 
 #include <cstdio>
@@ -37,9 +39,18 @@ struct BackendImps {
     std::unique_ptr<ListBoxImp> (*listBox)();
     std::unique_ptr<DropDownListImp> (*dropDownList)();
     std::unique_ptr<BrowseDialogImp> (*browseDialog)();
+    std::unique_ptr<PopupMenuImp> (*popupMenu)();
     std::unique_ptr<GCImp> (*gc)();
     std::unique_ptr<RedrawGCImp> (*redrawGC)();
     std::unique_ptr<FontImp> (*font)();
+    std::unique_ptr<IconImp> (*icon)();
+    std::unique_ptr<RadioButtonImp> (*radioButton)();
+    std::unique_ptr<DateTimeBoxImp> (*dateTimeBox)();
+    std::unique_ptr<URLButtonImp> (*urlButton)();
+    std::unique_ptr<TabControlImp> (*tabControl)();
+    std::unique_ptr<DialogControlImp> (*dialogControl)();
+    std::unique_ptr<ImageButtonImp> (*imageButton)();
+    std::unique_ptr<PopupMenuButtonImp> (*popupMenuButton)();
 };
 
 namespace {
@@ -67,9 +78,18 @@ constexpr BackendImps headlessImps{
     Make<ListBoxImp, Offscreen_ListBoxImp>,
     Make<DropDownListImp, Offscreen_DropDownListImp>,
     Make<BrowseDialogImp, Offscreen_BrowseDialogImp>,
+    Make<PopupMenuImp, Offscreen_PopupMenuImp>,
     Make<GCImp, Offscreen_GCImp>,
     Make<RedrawGCImp, Offscreen_RedrawGCImp>,
     Make<FontImp, Offscreen_FontImp>,
+    Make<IconImp, Offscreen_IconImp>,
+    Make<RadioButtonImp, Offscreen_RadioButtonImp>,
+    Make<DateTimeBoxImp, Offscreen_DateTimeBoxImp>,
+    Make<URLButtonImp, Offscreen_URLButtonImp>,
+    Make<TabControlImp, Offscreen_TabControlImp>,
+    Make<DialogControlImp, Offscreen_DialogControlImp>,
+    Make<ImageButtonImp, Offscreen_ImageButtonImp>,
+    Make<PopupMenuButtonImp, Offscreen_PopupMenuButtonImp>,
 };
 
 constexpr BackendImps desktopImps{
@@ -87,9 +107,18 @@ constexpr BackendImps desktopImps{
     Make<ListBoxImp, Gtk_ListBoxImp>,
     Make<DropDownListImp, Gtk_DropDownListImp>,
     Make<BrowseDialogImp, Gtk_BrowseDialogImp>,
+    Make<PopupMenuImp, Gtk_PopupMenuImp>,
     Make<GCImp, Gtk_GCImp>,
     Make<RedrawGCImp, Gtk_RedrawGCImp>,
     Make<FontImp, Gtk_FontImp>,
+    Make<IconImp, Gtk_IconImp>,
+    Make<RadioButtonImp, Gtk_RadioButtonImp>,
+    Make<DateTimeBoxImp, Gtk_DateTimeBoxImp>,
+    Make<URLButtonImp, Gtk_URLButtonImp>,
+    Make<TabControlImp, Gtk_TabControlImp>,
+    Make<DialogControlImp, Gtk_DialogControlImp>,
+    Make<ImageButtonImp, Gtk_ImageButtonImp>,
+    Make<PopupMenuButtonImp, Gtk_PopupMenuButtonImp>,
 };
 
 // The backends of this build.
@@ -200,6 +229,10 @@ std::unique_ptr<BrowseDialogImp> ImpFactory::CreateBrowseDialogImp() {
     return GetImps().browseDialog();
 }
 
+std::unique_ptr<PopupMenuImp> ImpFactory::CreatePopupMenuImp() {
+    return GetImps().popupMenu();
+}
+
 std::unique_ptr<GCImp> ImpFactory::CreateGCImp() {
     return GetImps().gc();
 }
@@ -210,6 +243,38 @@ std::unique_ptr<RedrawGCImp> ImpFactory::CreateRedrawGCImp() {
 
 std::unique_ptr<FontImp> ImpFactory::CreateFontImp() {
     return GetImps().font();
+}
+
+std::unique_ptr<IconImp> ImpFactory::CreateIconImp() {
+    return GetImps().icon();
+}
+
+std::unique_ptr<RadioButtonImp> ImpFactory::CreateRadioButtonImp() {
+    return GetImps().radioButton();
+}
+
+std::unique_ptr<DateTimeBoxImp> ImpFactory::CreateDateTimeBoxImp() {
+    return GetImps().dateTimeBox();
+}
+
+std::unique_ptr<URLButtonImp> ImpFactory::CreateURLButtonImp() {
+    return GetImps().urlButton();
+}
+
+std::unique_ptr<TabControlImp> ImpFactory::CreateTabControlImp() {
+    return GetImps().tabControl();
+}
+
+std::unique_ptr<DialogControlImp> ImpFactory::CreateDialogControlImp() {
+    return GetImps().dialogControl();
+}
+
+std::unique_ptr<ImageButtonImp> ImpFactory::CreateImageButtonImp() {
+    return GetImps().imageButton();
+}
+
+std::unique_ptr<PopupMenuButtonImp> ImpFactory::CreatePopupMenuButtonImp() {
+    return GetImps().popupMenuButton();
 }
 
 ImpFactory& GetImpFactory() {

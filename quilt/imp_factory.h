@@ -13,10 +13,19 @@ class DropDownListImp;
 class EditBoxImp;
 class FontImp;
 class GCImp;
+class DateTimeBoxImp;
+class DialogControlImp;
+class IconImp;
+class ImageButtonImp;
 class ListBoxImp;
+class PopupMenuButtonImp;
+class PopupMenuImp;
 class ProgressBarImp;
+class RadioButtonImp;
 class RedrawGCImp;
 class SliderImp;
+class TabControlImp;
+class URLButtonImp;
 class WindowImp;
 
 enum class Backend {
@@ -51,9 +60,18 @@ public:
     std::unique_ptr<ListBoxImp> CreateListBoxImp();
     std::unique_ptr<DropDownListImp> CreateDropDownListImp();
     std::unique_ptr<BrowseDialogImp> CreateBrowseDialogImp();
+    std::unique_ptr<PopupMenuImp> CreatePopupMenuImp();
     std::unique_ptr<GCImp> CreateGCImp();
     std::unique_ptr<RedrawGCImp> CreateRedrawGCImp();
     std::unique_ptr<FontImp> CreateFontImp();
+    std::unique_ptr<IconImp> CreateIconImp();
+    std::unique_ptr<RadioButtonImp> CreateRadioButtonImp();
+    std::unique_ptr<DateTimeBoxImp> CreateDateTimeBoxImp();
+    std::unique_ptr<URLButtonImp> CreateURLButtonImp();
+    std::unique_ptr<TabControlImp> CreateTabControlImp();
+    std::unique_ptr<DialogControlImp> CreateDialogControlImp();
+    std::unique_ptr<ImageButtonImp> CreateImageButtonImp();
+    std::unique_ptr<PopupMenuButtonImp> CreatePopupMenuButtonImp();
 
 private:
     const BackendImps& GetImps();

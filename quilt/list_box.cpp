@@ -16,6 +16,7 @@ int32_t AsRow(uint32_t detail) {
 const ListBoxImp::Route ListBoxImp::routes[] = {
     {ControlEvent::SelectionChanged, &ListBoxImp::OnSelectionChanged},
     {ControlEvent::ItemActivated, &ListBoxImp::OnItemActivated},
+    {ControlEvent::ItemCheckChanged, &ListBoxImp::OnItemCheckChanged},
     {ControlEvent::ColumnClicked, &ListBoxImp::OnColumnClicked},
 };
 
@@ -47,6 +48,13 @@ NotificationAnswer ListBoxImp::OnItemActivated(const NativeNotification& notific
     return AnswerDispatch;
 }
 
+NotificationAnswer ListBoxImp::OnItemCheckChanged(const NativeNotification& notification,
+                                                  NotificationTranslation& out) {
+    out.kind = MsgItemCheckChange;
+    out.parameter = AsRow(notification.detail);
+    return AnswerDispatch;
+}
+
 // The same column again flips the direction; another column sorts ascending first.
 NotificationAnswer ListBoxImp::OnColumnClicked(const NativeNotification& notification,
                                                NotificationTranslation&) {
@@ -71,11 +79,14 @@ void ListBoxImp::SortByColumn() {
     if (list == nullptr) {
         return;
     }
-    int32_t sign = list->GetSortDirection() == SortDescending ? -1 : 1;
+    SortDirection direction =
+        list->GetSortDirection() == SortDescending ? SortDescending : SortAscending;
+    int32_t sign = direction == SortDescending ? -1 : 1;
     int32_t column = sortColumn;
     SortRows([list, sign, column](int32_t a, int32_t b) {
         return sign * list->CompareItems(a, b, column);
     });
+    ShowSortColumn(column, direction);
 }
 
 ListBox::ListBox() : ListControl(GetImpFactory().CreateListBoxImp()) {

@@ -11,10 +11,11 @@ namespace quilt {
 
 // The platform side of a list box: a plain list of rows, or a list of rows in columns under a
 // header, which the native control that it is bound to decides. The backend reports
-// SelectionChanged, ItemActivated (detail: the row) and ColumnClicked (detail: the column); this
-// class turns them into MsgSelectionChange and MsgItemActivate, and sorts on a column click
-// through the owner's CompareItems: the same column again flips the direction, another column
-// starts ascending.
+// SelectionChanged, ItemActivated and ItemCheckChanged (detail: the row) and ColumnClicked
+// (detail: the column); this class turns them into MsgSelectionChange, MsgItemActivate and
+// MsgItemCheckChange, and sorts on a column click through the owner's CompareItems: the same
+// column again flips the direction, another column starts ascending. The heading of the column
+// sorted by shows the direction of the sort.
 class ListBoxImp : public ListControlImp {
 public:
     // Stops placing new rows by the native sorted style and sorts the rows by the last column
@@ -28,6 +29,9 @@ public:
     // while the sort runs, so the rows must stay where they are until it has finished. Rows
     // that compare equal keep their order.
     virtual void SortRows(const std::function<int32_t(int32_t, int32_t)>& compare) = 0;
+    // The heading of `column` shows that the rows are sorted by it in `direction`, and no other
+    // heading shows a sort; until the rows go, as nothing then stands in that order.
+    virtual void ShowSortColumn(int32_t column, SortDirection direction) = 0;
     // At least 1; missing columns come behind the last, surplus ones go from the end.
     virtual void SetNumberOfColumns(int32_t count) = 0;
     virtual int32_t GetNumberOfColumns() = 0;
@@ -59,6 +63,8 @@ private:
     NotificationAnswer OnSelectionChanged(const NativeNotification&, NotificationTranslation& out);
     NotificationAnswer OnItemActivated(const NativeNotification& notification,
                                        NotificationTranslation& out);
+    NotificationAnswer OnItemCheckChanged(const NativeNotification& notification,
+                                          NotificationTranslation& out);
     NotificationAnswer OnColumnClicked(const NativeNotification& notification,
                                        NotificationTranslation&);
     void SortByColumn();

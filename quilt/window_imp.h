@@ -64,6 +64,8 @@ enum class ControlEvent : int32_t {
     ItemActivated,
     // A list's column heading was clicked; the detail is the column.
     ColumnClicked,
+    // A row's check mark changed, by the user or by the program; the detail is the row.
+    ItemCheckChanged,
     // A drop-down list's list opened or closed.
     ListOpened,
     ListClosed,

@@ -245,6 +245,12 @@ void IndexSearcher::ChooseMode(bool isGlob, const loam::String& text) {
                        : 0;
 }
 
+void IndexSearcher::GetRequiredPieces(std::vector<std::string>& allOf,
+                                      std::vector<std::string>& oneOf) const {
+    allOf = globDecides ? glob.GetPieces() : std::vector<std::string>();
+    oneOf = hasAutomaton ? automaton.GetPieces() : std::vector<std::string>();
+}
+
 // The automaton's pieces are looked for when they are rare enough, by the sample, that a scan
 // for them and the automaton at each place found cost less than the automaton over every name.
 bool IndexSearcher::ChoosePieces() {

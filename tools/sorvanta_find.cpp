@@ -10,6 +10,7 @@
 #include "loam/disk_file.h"
 #include "loam/error.h"
 #include "loam/preferences.h"
+#include "search/candidate_search.h"
 #include "search/index_searcher.h"
 #include "tools/index_state.h"
 
@@ -256,22 +257,22 @@ void WritePaths(Output& output, const IndexData& index, int32_t count, char term
 // A search goes through the records once, in file order, so the index is scanned a window at a
 // time, and the pass goes on from window to window. Nothing is printed before the last window
 // has been checked: a file refused at its end shows the refusal alone, as the loader would.
-int RunSearch(const Request& request) {
-    IndexData index;
+bool SearchWholeIndex(IndexData& index, const loam::FileSpec& file, const Request& request,
+                      bool& gaveUp) {
     const ScanMatches matches = request.countOnly ? ScanMatches::Counted : ScanMatches::Kept;
-    const loam::FileSpec file = GetIndexFile(request);
     const bool scanned = index.Scan(file, matches);
+    // An index under build or left unfinished is no answer; why goes in place of the loader's
+    // words.
     if (const char* reason = GetUnfinishedIndexReason(file, scanned, index)) {
         loam::ClearErrors();
-        return Fail(reason);
+        return loam::RaiseError(loam::ErrorGeneral, reason);
     }
     if (!scanned)
-        return FailWithTopError();
+        return false;
     IndexSearcher searcher;
     const bool started =
         searcher.Start(&index, request.pattern, request.isRegExp, request.autoWildcards);
     bool searching = started;
-    bool gaveUp = false;
     // A refused pattern is told only of an index that loads whole: a damaged record's failure
     // goes on top of the pattern's.
     while (index.GetRecordCount() > 0) {
@@ -281,9 +282,18 @@ int RunSearch(const Request& request) {
             gaveUp = !searching;
         }
         if (!index.TakeNextWindow())
-            return FailWithTopError();
+            return false;
     }
-    if (!started)
+    return started;
+}
+
+// The index's trigram file, where it serves, leads to the few records that may match.
+int RunSearch(const Request& request) {
+    const loam::FileSpec file = GetIndexFile(request);
+    IndexData index;
+    bool gaveUp = false;
+    if (!SearchCandidates(index, file, request.pattern, request.isRegExp, request.autoWildcards) &&
+        !SearchWholeIndex(index, file, request, gaveUp))
         return FailWithTopError();
     const int32_t found = index.GetResultCount();
     const int32_t shown = std::min(found, request.limit);

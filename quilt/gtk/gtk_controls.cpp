@@ -2,6 +2,7 @@
 
 #include "quilt/dialog_imp.h"
 #include "quilt/dialog_template.h"
+#include "quilt/gtk/gtk_further_controls.h"
 #include "quilt/gtk/gtk_list_controls.h"
 #include "quilt/gtk/gtk_support.h"
 #include "quilt/gtk/gtk_window_imp.h"
@@ -189,11 +190,20 @@ GtkWidget* MakeProgressBar(GtkNative&, uint32_t, const char*) {
 }
 
 constexpr ControlMaker controlMakers[] = {
-    {ControlKind::PushButton, MakeButton}, {ControlKind::DefaultPushButton, MakeButton},
-    {ControlKind::CheckBox, MakeButton},   {ControlKind::AutoCheckBox, MakeButton},
-    {ControlKind::GroupBox, MakeButton},   {ControlKind::Edit, MakeEdit},
-    {ControlKind::TrackBar, MakeTrackBar}, {ControlKind::ProgressBar, MakeProgressBar},
-    {ControlKind::ListView, MakeListView}, {ControlKind::ComboBoxWithEdit, MakeDropDownList},
+    {ControlKind::PushButton, MakeButton},
+    {ControlKind::DefaultPushButton, MakeButton},
+    {ControlKind::CheckBox, MakeButton},
+    {ControlKind::AutoCheckBox, MakeButton},
+    {ControlKind::GroupBox, MakeButton},
+    {ControlKind::Edit, MakeEdit},
+    {ControlKind::TrackBar, MakeTrackBar},
+    {ControlKind::ProgressBar, MakeProgressBar},
+    {ControlKind::ListView, MakeListView},
+    {ControlKind::ComboBoxWithEdit, MakeDropDownList},
+    {ControlKind::RadioButton, MakeRadioButton},
+    {ControlKind::AutoRadioButton, MakeRadioButton},
+    {ControlKind::DateTimePicker, MakeDateTimePicker},
+    {ControlKind::TabControl, MakeTabControl},
 };
 
 GtkWidget* InnerOf(GtkWidget* control) {
@@ -331,6 +341,10 @@ int32_t GetCheckState(GtkWidget* control) {
 }
 
 void SetCheckState(GtkWidget* control, int32_t state) {
+    if (IsRadioButton(control)) {
+        SetRadioState(control, state == CheckStateChecked);
+        return;
+    }
     GtkNative* native = FindNative(control);
     if (!IsCheckBox(control) || native == nullptr) {
         return;

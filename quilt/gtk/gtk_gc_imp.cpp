@@ -49,9 +49,79 @@ constexpr DashPattern dashPatterns[] = {
     {PenDashDot, {6, 2, 1, 2}, 4},
 };
 
+// The background of opaque text: the native context's own, which the state never changes.
+constexpr Colour opaqueTextBackground = White;
+
+struct ThemedNode {
+    ThemedPart part;
+    const char* object; // the CSS node of the widget
+    const char* inner;  // the node inside it that shows the part, if any
+};
+
+constexpr ThemedNode themedNodes[] = {
+    {ThemedPart::ButtonFrame, "button", nullptr},
+    {ThemedPart::CheckBox, "checkbutton", "check"},
+    {ThemedPart::RightArrow, "scrollbar", "button"},
+};
+
+struct ThemedFlag {
+    uint32_t state;
+    GtkStateFlags flag;
+};
+
+constexpr ThemedFlag themedFlags[] = {
+    {ThemedHot, GTK_STATE_FLAG_PRELIGHT},
+    {ThemedPressed, GTK_STATE_FLAG_ACTIVE},
+    {ThemedChecked, GTK_STATE_FLAG_CHECKED},
+    {ThemedMixed, GTK_STATE_FLAG_INCONSISTENT},
+};
+
+// GTK's own check box and arrow sizes, where the theme gives none.
+constexpr int32_t checkSize = 14;
+constexpr int32_t arrowSize = 8;
+
+// A style context of the theme's node for the part, or null when the part has none.
+GtkStyleContext* NewPartContext(ThemedPart part, uint32_t state) {
+    const ThemedNode* node = nullptr;
+    for (const ThemedNode& candidate : themedNodes) {
+        if (candidate.part == part) {
+            node = &candidate;
+        }
+    }
+    if (node == nullptr || gdk_screen_get_default() == nullptr) {
+        return nullptr;
+    }
+    GtkWidgetPath* path = gtk_widget_path_new();
+    for (const char* name : {node->object, node->inner}) {
+        if (name != nullptr) {
+            gtk_widget_path_append_type(path, G_TYPE_NONE);
+            gtk_widget_path_iter_set_object_name(path, -1, name);
+        }
+    }
+    GtkStyleContext* context = gtk_style_context_new();
+    gtk_style_context_set_path(context, path);
+    gtk_widget_path_unref(path);
+    int flags = GTK_STATE_FLAG_NORMAL;
+    for (const ThemedFlag& themed : themedFlags) {
+        if ((state & themed.state) != 0) {
+            flags |= themed.flag;
+        }
+    }
+    gtk_style_context_set_state(context, GtkStateFlags(flags));
+    return context;
+}
+
+// The square of `size` centred in `rect`.
+GdkRectangle CentredSquare(const Rect& rect, int32_t size) {
+    return GdkRectangle{rect.left + (rect.GetWidth() - size) / 2,
+                        rect.top + (rect.GetHeight() - size) / 2, size, size};
+}
+
 PangoFontDescription* DesktopFont() {
     gchar* name = nullptr;
-    g_object_get(gtk_settings_get_default(), "gtk-font-name", &name, nullptr);
+    if (GtkSettings* settings = gtk_settings_get_default()) {
+        g_object_get(settings, "gtk-font-name", &name, nullptr);
+    }
     PangoFontDescription* description = pango_font_description_from_string(name ? name : "Sans 10");
     g_free(name);
     return description;
@@ -92,6 +162,7 @@ bool Gtk_FontImp::Create(const loam::String& face, int32_t points, FontWeight we
     if ((style & FontStyleItalic) != 0) {
         pango_font_description_set_style(description, PANGO_STYLE_ITALIC);
     }
+    underlined = (style & FontStyleUnderline) != 0;
     return true;
 }
 
@@ -127,6 +198,35 @@ int32_t Gtk_FontImp::GetPointSize() {
     return pango_font_description_get_size(GetDescription()) / PANGO_SCALE;
 }
 
+Gtk_IconImp::~Gtk_IconImp() {
+    if (pixbuf != nullptr) {
+        g_object_unref(pixbuf);
+    }
+}
+
+bool Gtk_IconImp::Load(const loam::ResourceId& resource) {
+    if (pixbuf != nullptr) {
+        g_object_unref(pixbuf);
+        pixbuf = nullptr;
+    }
+    const char* image = FindIconImage(resource);
+    if (image != nullptr && image[0] == '/') {
+        pixbuf = gdk_pixbuf_new_from_file(image, nullptr);
+    } else if (image != nullptr && gdk_screen_get_default() != nullptr) {
+        pixbuf = gtk_icon_theme_load_icon(gtk_icon_theme_get_default(), image, IconNaturalSize,
+                                          GTK_ICON_LOOKUP_FORCE_SIZE, nullptr);
+    }
+    return pixbuf != nullptr;
+}
+
+int32_t Gtk_IconImp::GetWidth() const {
+    return pixbuf != nullptr ? gdk_pixbuf_get_width(pixbuf) : 0;
+}
+
+int32_t Gtk_IconImp::GetHeight() const {
+    return pixbuf != nullptr ? gdk_pixbuf_get_height(pixbuf) : 0;
+}
+
 Gtk_GCImp::~Gtk_GCImp() {
     Detach();
 }
@@ -143,6 +243,13 @@ bool Gtk_GCImp::Attach(Window& window) {
     SetWindow(&window);
     UpdateOrigin();
     return true;
+}
+
+void Gtk_GCImp::UseContext(cairo_t* context, Window& window) {
+    Detach();
+    cairo = context;
+    SetWindow(&window);
+    UpdateOrigin();
 }
 
 void Gtk_GCImp::Detach() {
@@ -232,6 +339,12 @@ PangoLayout* Gtk_GCImp::MakeLayout(const loam::String& text, const Rect& rect, u
     Gtk_FontImp desktopFont;
     pango_layout_set_font_description(layout, fontImp != nullptr ? fontImp->GetDescription()
                                                                  : desktopFont.GetDescription());
+    if (fontImp != nullptr && fontImp->IsUnderlined()) {
+        PangoAttrList* attributes = pango_attr_list_new();
+        pango_attr_list_insert(attributes, pango_attr_underline_new(PANGO_UNDERLINE_SINGLE));
+        pango_layout_set_attributes(layout, attributes);
+        pango_attr_list_unref(attributes);
+    }
     pango_layout_set_text(layout, ToDisplayText(text).c_str(), -1);
     bool aligned = (flags & (TextCenter | TextRight)) != 0;
     if ((flags & TextWordBreak) != 0 || aligned) {
@@ -273,6 +386,7 @@ void Gtk_GCImp::PaintText(const loam::String& text, const Rect& rect, uint32_t f
     if ((flags & (TextVCenter | TextSingleLine)) == (TextVCenter | TextSingleLine)) {
         top += (rect.GetHeight() - height) / 2;
     }
+    PaintTextBackground(layout, Point{rect.left, top}, &rect);
     cairo_save(cairo);
     cairo_rectangle(cairo, rect.left, rect.top, rect.GetWidth(), rect.GetHeight());
     cairo_clip(cairo);
@@ -289,10 +403,34 @@ void Gtk_GCImp::PaintTextAt(const loam::String& text, const Point& at) {
     }
     PangoLayout* layout = MakeLayout(text, Rect{}, TextSingleLine);
     NotePaintedText(text);
+    PaintTextBackground(layout, at, nullptr);
     SetColour(GetState().textColour);
     cairo_move_to(cairo, at.x, at.y);
     pango_cairo_show_layout(cairo, layout);
     g_object_unref(layout);
+}
+
+// Each line's own extent, so that centred and right-aligned lines are backed where they stand.
+void Gtk_GCImp::PaintTextBackground(PangoLayout* layout, const Point& at, const Rect* clip) {
+    if (GetState().backMode == BackModeTransparent) {
+        return;
+    }
+    cairo_save(cairo);
+    if (clip != nullptr) {
+        cairo_rectangle(cairo, clip->left, clip->top, clip->GetWidth(), clip->GetHeight());
+        cairo_clip(cairo);
+    }
+    SetColour(opaqueTextBackground);
+    PangoLayoutIter* line = pango_layout_get_iter(layout);
+    do {
+        PangoRectangle extent;
+        pango_layout_iter_get_line_extents(line, nullptr, &extent);
+        pango_extents_to_pixels(&extent, nullptr);
+        cairo_rectangle(cairo, at.x + extent.x, at.y + extent.y, extent.width, extent.height);
+    } while (pango_layout_iter_next_line(line));
+    pango_layout_iter_free(line);
+    cairo_fill(cairo);
+    cairo_restore(cairo);
 }
 
 void Gtk_GCImp::CalculateTextRect(const loam::String& text, Rect& rect, uint32_t flags) {
@@ -341,9 +479,46 @@ void Gtk_GCImp::PaintFocusRect(const Rect& rect) {
                      rect.GetWidth(), rect.GetHeight());
 }
 
-// The theme's own grip has no part in GTK 3: the grip is drawn the classic way.
-bool Gtk_GCImp::PaintThemedPart(ThemedPart, const Rect&, const Rect&) {
-    return false;
+void Gtk_GCImp::PaintIcon(IconImp& icon, const Point& at) {
+    auto* gtkIcon = dynamic_cast<Gtk_IconImp*>(&icon);
+    if (cairo == nullptr || gtkIcon == nullptr || gtkIcon->GetPixbuf() == nullptr) {
+        return;
+    }
+    cairo_save(cairo);
+    gdk_cairo_set_source_pixbuf(cairo, gtkIcon->GetPixbuf(), at.x, at.y);
+    cairo_rectangle(cairo, at.x, at.y, icon.GetWidth(), icon.GetHeight());
+    cairo_fill(cairo);
+    cairo_restore(cairo);
+}
+
+// The theme's own grip has no part in GTK 3: the grip is drawn the classic way. The other parts
+// are the theme's nodes of the widgets that show them.
+bool Gtk_GCImp::PaintThemedPart(ThemedPart part, const Rect& rect, const Rect& clip,
+                                uint32_t state) {
+    GtkStyleContext* context = cairo != nullptr ? NewPartContext(part, state) : nullptr;
+    if (context == nullptr) {
+        return false;
+    }
+    cairo_save(cairo);
+    cairo_rectangle(cairo, clip.left, clip.top, clip.GetWidth(), clip.GetHeight());
+    cairo_clip(cairo);
+    if (part == ThemedPart::CheckBox) {
+        GdkRectangle box = CentredSquare(rect, checkSize);
+        gtk_render_background(context, cairo, box.x, box.y, box.width, box.height);
+        gtk_render_frame(context, cairo, box.x, box.y, box.width, box.height);
+        gtk_render_check(context, cairo, box.x, box.y, box.width, box.height);
+    } else {
+        gtk_render_background(context, cairo, rect.left, rect.top, rect.GetWidth(),
+                              rect.GetHeight());
+        gtk_render_frame(context, cairo, rect.left, rect.top, rect.GetWidth(), rect.GetHeight());
+    }
+    if (part == ThemedPart::RightArrow) {
+        GdkRectangle arrow = CentredSquare(rect, arrowSize);
+        gtk_render_arrow(context, cairo, G_PI / 2, arrow.x, arrow.y, arrow.width);
+    }
+    cairo_restore(cairo);
+    g_object_unref(context);
+    return true;
 }
 
 bool Gtk_RedrawGCImp::BeginRedraw(Window& window) {

@@ -2,6 +2,7 @@
 
 #include "quilt/font_imp.h"
 #include "quilt/gc_imp.h"
+#include "quilt/icon.h"
 
 #include <gtk/gtk.h>
 
@@ -23,9 +24,26 @@ public:
 
     // The description to draw with; the desktop's font before Create.
     const PangoFontDescription* GetDescription();
+    // Pango keeps underlining out of a font's description: the layout carries it.
+    bool IsUnderlined() const { return underlined; }
 
 private:
     PangoFontDescription* description = nullptr;
+    bool underlined = false;
+};
+
+// An image from the icon theme or a file, as GDK holds it.
+class Gtk_IconImp : public IconImp {
+public:
+    ~Gtk_IconImp() override;
+
+    bool Load(const loam::ResourceId& resource) override;
+    int32_t GetWidth() const override;
+    int32_t GetHeight() const override;
+    GdkPixbuf* GetPixbuf() const { return pixbuf; }
+
+private:
+    GdkPixbuf* pixbuf = nullptr;
 };
 
 // Draws with cairo and Pango on the window's paint context, which exists while the window
@@ -36,6 +54,9 @@ public:
 
     bool Attach(Window& window) override;
     void Detach() override;
+    // Draws for `window` on a cairo context that belongs to someone else: a widget's own
+    // drawing, or an image.
+    void UseContext(cairo_t* context, Window& window);
 
 protected:
     bool GetNativeClipRect(Rect& rect) override;
@@ -47,12 +68,16 @@ protected:
     void CalculateTextRect(const loam::String& text, Rect& rect, uint32_t flags) override;
     void PaintEdge(const Rect& rect, uint32_t flags) override;
     void PaintFocusRect(const Rect& rect) override;
-    bool PaintThemedPart(ThemedPart part, const Rect& rect, const Rect& clip) override;
+    void PaintIcon(IconImp& icon, const Point& at) override;
+    bool PaintThemedPart(ThemedPart part, const Rect& rect, const Rect& clip,
+                         uint32_t state) override;
 
     bool IsPainting() const { return cairo != nullptr; }
 
 private:
     PangoLayout* MakeLayout(const loam::String& text, const Rect& rect, uint32_t flags);
+    // Opaque text first covers what its lines take, from `at`, within `clip`.
+    void PaintTextBackground(PangoLayout* layout, const Point& at, const Rect* clip);
     void ApplyPen();
     // Keeps what the window paints for the accessibility layer.
     void NotePaintedText(const loam::String& text);

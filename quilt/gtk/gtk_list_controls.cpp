@@ -84,6 +84,14 @@ GtkTreeViewColumn* NewViewColumn(GtkWidget* view, int32_t index, const char* tit
     return column;
 }
 
+void OnCheckToggled(GtkCellRendererToggle*, gchar* path, gpointer view) {
+    int32_t row = static_cast<int32_t>(g_ascii_strtoll(path, nullptr, 10));
+    ListRow* entry = GetListRows(GTK_WIDGET(view))->Get(row);
+    if (entry != nullptr) {
+        SetListRowChecked(GTK_WIDGET(view), row, !entry->checked);
+    }
+}
+
 void OnSelectionChanged(GtkTreeSelection* selection, gpointer) {
     Notify(GTK_WIDGET(gtk_tree_selection_get_tree_view(selection)), ControlEvent::SelectionChanged);
 }
@@ -237,11 +245,34 @@ void ShowListCheckBoxes(GtkWidget* view, bool show) {
         gtk_tree_view_column_pack_start(first, check, FALSE);
         gtk_cell_layout_reorder(GTK_CELL_LAYOUT(first), check, 0);
         gtk_tree_view_column_add_attribute(first, check, "active", ListRowChecked);
+        g_object_set(check, "activatable", TRUE, nullptr);
+        g_signal_connect(check, "toggled", G_CALLBACK(OnCheckToggled), view);
         g_object_set_data(G_OBJECT(view), checkRendererKey, check);
     }
     if (check != nullptr) {
         g_object_set(check, "visible", show, nullptr);
         gtk_widget_queue_draw(view);
+    }
+}
+
+void SetListRowChecked(GtkWidget* view, int32_t row, bool checked) {
+    ListRows* rows = GetListRows(view);
+    ListRow* entry = rows->Get(row);
+    if (entry == nullptr || entry->checked == checked) {
+        return;
+    }
+    entry->checked = checked;
+    rows->Changed(row);
+    Notify(view, ControlEvent::ItemCheckChanged, AsDetail(row));
+}
+
+void ShowListSortColumn(GtkWidget* view, int32_t column, bool descending) {
+    auto* tree = GTK_TREE_VIEW(view);
+    for (int32_t index = 0; index < GetListColumnCount(view); ++index) {
+        GtkTreeViewColumn* entry = gtk_tree_view_get_column(tree, index);
+        gtk_tree_view_column_set_sort_indicator(entry, index == column);
+        gtk_tree_view_column_set_sort_order(entry,
+                                            descending ? GTK_SORT_DESCENDING : GTK_SORT_ASCENDING);
     }
 }
 

@@ -32,8 +32,13 @@ int32_t GetListColumnCount(GtkWidget* view);
 void DetachListRows(GtkWidget* view);
 void AttachListRows(GtkWidget* view);
 bool IsListRowsAttached(GtkWidget* view);
-// Shows a check box before every row's first text.
+// Shows a check box before every row's first text, which the user may click.
 void ShowListCheckBoxes(GtkWidget* view, bool show);
+// Sets a row's check mark; a change is reported to the list's parent.
+void SetListRowChecked(GtkWidget* view, int32_t row, bool checked);
+// The heading of `column` shows the sort in `descending` or ascending order, no other heading
+// shows one; -1 leaves every heading without.
+void ShowListSortColumn(GtkWidget* view, int32_t column, bool descending);
 
 // The drop-down list's edit field.
 GtkEntry* GetDropDownEntry(GtkWidget* combo);

@@ -115,6 +115,7 @@ void Gtk_ListBoxImp::Clear() {
         DetachListRows(view);
     }
     GetRows()->Clear();
+    ShowListSortColumn(view, -1, false);
     if (attached) {
         AttachListRows(view);
     }
@@ -244,7 +245,9 @@ void Gtk_ListBoxImp::DisableSorting() {
     }
 }
 
-// The order is found first, with the rows in place, and then the rows move at once.
+// The order is found first, with the rows in place, and then the rows move at once: a view that
+// shows them follows each to its new place, with its selection, and tells the accessibility layer
+// of the new order once.
 void Gtk_ListBoxImp::SortRows(const std::function<int32_t(int32_t, int32_t)>& compare) {
     ListRows* rows = GetRows();
     if (rows == nullptr || rows->GetCount() < 2) {
@@ -255,6 +258,12 @@ void Gtk_ListBoxImp::SortRows(const std::function<int32_t(int32_t, int32_t)>& co
     std::stable_sort(order.begin(), order.end(),
                      [&compare](int32_t a, int32_t b) { return compare(a, b) < 0; });
     rows->Reorder(order);
+}
+
+void Gtk_ListBoxImp::ShowSortColumn(int32_t column, SortDirection direction) {
+    if (GtkWidget* view = GetView()) {
+        ShowListSortColumn(view, column, direction == SortDescending);
+    }
 }
 
 void Gtk_ListBoxImp::SetNumberOfColumns(int32_t count) {
@@ -384,9 +393,8 @@ void Gtk_ListBoxImp::EnableCheckBoxes(bool enable) {
 }
 
 void Gtk_ListBoxImp::SetItemChecked(int32_t row, bool checked) {
-    if (ListRow* entry = GetRow(row)) {
-        entry->checked = checked;
-        GetRows()->Changed(row);
+    if (GtkWidget* view = GetView()) {
+        SetListRowChecked(view, row, checked);
     }
 }
 

@@ -40,6 +40,7 @@ public:
     void MeasureItems() override {}
 
     void SortRows(const std::function<int32_t(int32_t, int32_t)>& compare) override;
+    void ShowSortColumn(int32_t column, SortDirection direction) override;
     void SetNumberOfColumns(int32_t count) override;
     int32_t GetNumberOfColumns() override;
     void ShowColumnHeaders(bool show) override;

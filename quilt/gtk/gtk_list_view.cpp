@@ -29,6 +29,15 @@ struct HeldStates {
 
 AtkObjectClass* accessibleParentClass = nullptr;
 
+// The view makes an object for a cell only when it is asked for one, and forgets it again: it
+// manages its descendants, and says so, so that the desktop's bridge does not make an object for
+// every cell that the view announces.
+AtkStateSet* ReadStates(AtkObject* accessible) {
+    AtkStateSet* states = accessibleParentClass->ref_state_set(accessible);
+    atk_state_set_add_state(states, ATK_STATE_MANAGES_DESCENDANTS);
+    return states;
+}
+
 AtkStateSet* RefStates(AtkObject* accessible) {
     GtkWidget* view = gtk_accessible_get_widget(GTK_ACCESSIBLE(accessible));
     auto* held =
@@ -36,10 +45,10 @@ AtkStateSet* RefStates(AtkObject* accessible) {
             ? static_cast<HeldStates*>(g_object_get_qdata(G_OBJECT(view), HeldStatesQuark()))
             : nullptr;
     if (held == nullptr) {
-        return accessibleParentClass->ref_state_set(accessible);
+        return ReadStates(accessible);
     }
     if (held->states == nullptr) {
-        held->states = accessibleParentClass->ref_state_set(accessible);
+        held->states = ReadStates(accessible);
     }
     return ATK_STATE_SET(g_object_ref(held->states));
 }

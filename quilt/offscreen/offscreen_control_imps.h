@@ -2,11 +2,19 @@
 
 #include "quilt/button.h"
 #include "quilt/check_box.h"
+#include "quilt/date_time_box.h"
+#include "quilt/dialog_control.h"
 #include "quilt/edit_box.h"
+#include "quilt/image_button.h"
 #include "quilt/offscreen/offscreen_controls.h"
+#include "quilt/offscreen/offscreen_further_controls.h"
 #include "quilt/offscreen/offscreen_window_imp.h"
+#include "quilt/popup_menu_button.h"
 #include "quilt/progress_bar.h"
+#include "quilt/radio_button.h"
 #include "quilt/slider.h"
+#include "quilt/tab_control.h"
+#include "quilt/url_button.h"
 
 #include <cstdint>
 
@@ -85,6 +93,95 @@ public:
 private:
     int32_t rangeMin = 0;
     int32_t rangeMax = 100;
+};
+
+class Offscreen_RadioButtonImp : public RadioButtonImp, public Offscreen_WindowImp {
+public:
+    using Offscreen_WindowImp::Create;
+    int32_t GetState() override;
+    void SetState(int32_t state) override;
+    bool Create(Window* parent, const Rect& rect, bool autoCheck, int32_t id) override;
+    bool Attach(OffscreenWindow* window) override;
+
+private:
+    OffscreenButton* GetButton() const;
+};
+
+class Offscreen_DateTimeBoxImp : public DateTimeBoxImp, public Offscreen_WindowImp {
+public:
+    bool Attach(OffscreenWindow* window) override;
+
+protected:
+    bool GetFields(DateTimeFields& fields) override;
+    bool SetFields(const DateTimeFields& fields) override;
+    void SetPicture(const loam::String& picture) override;
+
+private:
+    OffscreenDateTimeBox* GetBox() const;
+};
+
+// A static text of the offscreen desktop shows as a link by its Imp's word alone.
+class Offscreen_URLButtonImp : public URLButtonImp, public Offscreen_WindowImp {
+public:
+    bool Attach(OffscreenWindow* window) override;
+    // A press of the left button opens the link.
+    bool WindowProc(const OffscreenMessage& message) override;
+
+    bool IsUnderlined() const { return underlined; }
+    const Colour& GetTextColour() const { return textColour; }
+
+private:
+    bool underlined = false;
+    Colour textColour = Black;
+};
+
+class Offscreen_TabControlImp : public TabControlImp, public Offscreen_WindowImp {
+public:
+    using Offscreen_WindowImp::Create;
+    bool Create(Window* parent, const Rect& rect, int32_t id) override;
+    bool Attach(OffscreenWindow* window) override;
+    void Show(int32_t mode) override;
+    void SetRect(const Rect& rect, bool repaint) override;
+
+protected:
+    int32_t InsertNativeTab(int32_t position, const loam::String& title) override;
+    void DeleteNativeTab(int32_t position) override;
+    void SelectNativeTab(int32_t position) override;
+    int32_t GetNativeSelection() override;
+    bool GetDisplayArea(Rect& area) override;
+    void FocusPage(Dialog& page) override;
+
+private:
+    OffscreenTabControl* GetTabs() const;
+};
+
+// The child window that takes a placeholder's place is a plain window of the desktop.
+class Offscreen_DialogControlImp : public DialogControlImp, public Offscreen_WindowImp {
+public:
+    using Offscreen_WindowImp::Create;
+    bool Create(Window* parent, const Rect& rect, int32_t id, bool tabStop) override;
+    bool BindToControl(Window* parent, int32_t id) override {
+        return DialogControlImp::BindToControl(parent, id);
+    }
+    bool Attach(OffscreenWindow* window) override;
+
+protected:
+    bool RemovePlaceholder(Window* parent, int32_t id, Rect& rect, bool& tabStop) override;
+};
+
+// Paints its face whenever the desktop repaints it.
+class Offscreen_ImageButtonImp : public virtual ImageButtonImp, public Offscreen_WindowImp {
+public:
+    using Offscreen_WindowImp::Create;
+    bool Create(Window* parent, const Rect& rect, int32_t id) override;
+    bool IsPushed() override;
+    bool Attach(OffscreenWindow* window) override;
+    bool WindowProc(const OffscreenMessage& message) override;
+};
+
+class Offscreen_PopupMenuButtonImp : public PopupMenuButtonImp, public Offscreen_ImageButtonImp {
+public:
+    using Offscreen_ImageButtonImp::Create;
 };
 
 } // namespace quilt

@@ -3,6 +3,7 @@
 #include "quilt/dialog_imp.h"
 #include "quilt/dialog_template.h"
 #include "quilt/keys.h"
+#include "quilt/offscreen/offscreen_further_controls.h"
 #include "quilt/offscreen/offscreen_list_controls.h"
 
 #include <algorithm>
@@ -203,6 +204,10 @@ constexpr NativeClass nativeClasses[] = {
     {ControlKind::ProgressBar, Make<OffscreenProgressBar>},
     {ControlKind::ListView, Make<OffscreenListView>},
     {ControlKind::ComboBoxWithEdit, Make<OffscreenComboBox>},
+    {ControlKind::RadioButton, Make<OffscreenButton>},
+    {ControlKind::AutoRadioButton, Make<OffscreenButton>},
+    {ControlKind::DateTimePicker, Make<OffscreenDateTimeBox>},
+    {ControlKind::TabControl, Make<OffscreenTabControl>},
 };
 
 } // namespace
@@ -225,14 +230,17 @@ void OffscreenButton::DefaultHandling(const OffscreenMessage& message) {
 }
 
 bool OffscreenButton::IsPushButton() const {
-    return (style & (StyleCheckBox | StyleGroupBox)) == 0;
+    return (style & (StyleCheckBox | StyleGroupBox | StyleRadio)) == 0;
 }
 
 void OffscreenButton::Click() {
     if ((style & StyleGroupBox) != 0) {
         return;
     }
-    if ((style & StyleAutoCheck) != 0) {
+    bool automatic = (style & StyleAutoCheck) != 0;
+    if (automatic && (style & StyleRadio) != 0) {
+        CheckRadioInGroup(*this);
+    } else if (automatic) {
         checkState = checkState == CheckStateChecked ? CheckStateUnchecked : CheckStateChecked;
         needsPaint = true;
     }

@@ -35,13 +35,14 @@ bool RouteNative(Control& control, const NativeRoute<Control> (&routes)[Count],
 
 bool IsLeftButton(const OffscreenMessage& message);
 
-// A push button, check box or group box, by its style.
+// A push button, check box, radio button or group box, by its style.
 struct OffscreenButton : OffscreenWindow {
     using OffscreenWindow::OffscreenWindow;
 
     void DefaultHandling(const OffscreenMessage& message) override;
     bool IsPushButton() const;
-    // What a click does: an automatic check box toggles, then the parent hears of the click.
+    // What a click does: an automatic check box toggles, an automatic radio button is checked
+    // in its group, then the parent hears of the click.
     // The button may be gone when this returns.
     void Click();
 

@@ -133,6 +133,12 @@ bool Offscreen_FontImp::Create(const loam::String&, int32_t points, FontWeight, 
     return true;
 }
 
+bool Offscreen_IconImp::Load(const loam::ResourceId& resource) {
+    const char* found = FindIconImage(resource);
+    image = found != nullptr ? found : "";
+    return found != nullptr;
+}
+
 Offscreen_GCImp::~Offscreen_GCImp() {
     Detach();
 }
@@ -191,6 +197,13 @@ void Offscreen_GCImp::PaintEdge(const Rect& rect, uint32_t flags) {
 
 void Offscreen_GCImp::PaintFocusRect(const Rect& rect) {
     Record(OffscreenDrawingKind::FocusRect, rect, 0);
+}
+
+void Offscreen_GCImp::PaintIcon(IconImp& icon, const Point& at) {
+    auto* offscreenIcon = dynamic_cast<Offscreen_IconImp*>(&icon);
+    Rect covered{at.x, at.y, at.x + icon.GetWidth(), at.y + icon.GetHeight()};
+    Record(OffscreenDrawingKind::Icon, covered, 0,
+           offscreenIcon != nullptr ? offscreenIcon->GetImage() : loam::String());
 }
 
 void Offscreen_GCImp::Record(OffscreenDrawingKind kind, const Rect& rect, uint32_t flags,

@@ -4,6 +4,7 @@
 #include "quilt/dialog_units.h"
 #include "quilt/font_imp.h"
 #include "quilt/gc_imp.h"
+#include "quilt/icon.h"
 
 #include <cstdint>
 #include <vector>
@@ -41,6 +42,7 @@ enum class OffscreenDrawingKind {
     TextAt,
     Edge,
     FocusRect,
+    Icon,
 };
 
 // One drawing operation, in the window's coordinates (the origin taken off).
@@ -48,7 +50,8 @@ struct OffscreenDrawing {
     OffscreenDrawingKind kind = OffscreenDrawingKind::Line;
     const Window* window = nullptr;
     // A line runs from (left, top) to (right, bottom); a circle is given by its square; text
-    // by the rectangle it was drawn in, and text drawn at a point by the rectangle it covers.
+    // by the rectangle it was drawn in, and text drawn at a point by the rectangle it covers;
+    // an icon by the rectangle it covers, its image in `text`.
     Rect rect;
     // A rectangle's or a circle's DrawMode, the text flags as the platform got them, the
     // EdgeFlags of an edge.
@@ -86,6 +89,18 @@ private:
     int32_t height = DialogFontPoints * PixelsPerInch / 72;
 };
 
+// An icon of the offscreen desktop is its image's name, IconNaturalSize square.
+class Offscreen_IconImp : public IconImp {
+public:
+    bool Load(const loam::ResourceId& resource) override;
+    int32_t GetWidth() const override { return IconNaturalSize; }
+    int32_t GetHeight() const override { return IconNaturalSize; }
+    const loam::String& GetImage() const { return image; }
+
+private:
+    loam::String image;
+};
+
 class Offscreen_GCImp : public virtual GCImp {
 public:
     ~Offscreen_GCImp() override;
@@ -103,8 +118,9 @@ protected:
     void CalculateTextRect(const loam::String& text, Rect& rect, uint32_t flags) override;
     void PaintEdge(const Rect& rect, uint32_t flags) override;
     void PaintFocusRect(const Rect& rect) override;
+    void PaintIcon(IconImp& icon, const Point& at) override;
     // The offscreen desktop has no theme.
-    bool PaintThemedPart(ThemedPart, const Rect&, const Rect&) override { return false; }
+    bool PaintThemedPart(ThemedPart, const Rect&, const Rect&, uint32_t) override { return false; }
 
 private:
     void Record(OffscreenDrawingKind kind, const Rect& rect, uint32_t flags,

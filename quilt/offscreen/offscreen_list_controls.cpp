@@ -50,7 +50,13 @@ void ListMouseDown(OffscreenListView& list, const OffscreenMessage& message) {
         NotifyParent(*view, ControlEvent::ColumnClicked, AsDetail(column));
         return;
     }
-    view->Select(view->GetRowAt(message.point));
+    int32_t row = view->GetRowAt(message.point);
+    if (view->checkBoxes && row >= 0 &&
+        message.point.x + view->scrollPos[0] < OffscreenListView::CheckBoxWidth) {
+        view->SetChecked(row, !view->GetRow(row).checked);
+        return;
+    }
+    view->Select(row);
 }
 
 void ListDoubleClick(OffscreenListView& list, const OffscreenMessage& message) {
@@ -262,6 +268,7 @@ bool OffscreenListView::Remove(int32_t row) {
 
 void OffscreenListView::Clear() {
     rows.Clear();
+    sortColumn = -1;
     scrollPos[1] = 0;
     needsPaint = true;
 }
@@ -279,6 +286,15 @@ void OffscreenListView::Select(int32_t row) {
     }
     needsPaint = true;
     NotifyParent(*this, ControlEvent::SelectionChanged);
+}
+
+void OffscreenListView::SetChecked(int32_t row, bool checked) {
+    if (!IsRow(row) || GetRow(row).checked == checked) {
+        return;
+    }
+    GetRow(row).checked = checked;
+    needsPaint = true;
+    NotifyParent(*this, ControlEvent::ItemCheckChanged, AsDetail(row));
 }
 
 int32_t OffscreenListView::GetSelected() const {
@@ -299,6 +315,12 @@ void OffscreenListView::Sort(const std::function<int32_t(int32_t, int32_t)>& com
     std::stable_sort(order.begin(), order.end(),
                      [&compare](int32_t a, int32_t b) { return compare(a, b) < 0; });
     rows.Reorder(order);
+    needsPaint = true;
+}
+
+void OffscreenListView::ShowSortColumn(int32_t column, SortDirection direction) {
+    sortColumn = column;
+    sortDirection = direction;
     needsPaint = true;
 }
 
@@ -332,7 +354,14 @@ Point OffscreenListView::GetRowPoint(int32_t row) {
     if (row < scrollPos[1] || row >= scrollPos[1] + visible) {
         scrollPos[1] = std::max(0, row);
     }
-    return Point{2, top + (row - scrollPos[1]) * RowHeight + RowHeight / 2};
+    int32_t left = checkBoxes ? CheckBoxWidth + 2 : 2;
+    return Point{left, top + (row - scrollPos[1]) * RowHeight + RowHeight / 2};
+}
+
+Point OffscreenListView::GetCheckBoxPoint(int32_t row) {
+    Point point = GetRowPoint(row);
+    point.x = CheckBoxWidth / 2 - scrollPos[0];
+    return point;
 }
 
 Point OffscreenListView::GetHeaderPoint(int32_t column) const {

@@ -2,6 +2,7 @@
 
 #include "loam/string.h"
 #include "quilt/colour.h"
+#include "quilt/list_control.h"
 #include "quilt/offscreen/offscreen_controls.h"
 #include "quilt/offscreen/offscreen_desktop.h"
 
@@ -66,6 +67,8 @@ struct OffscreenListView : OffscreenWindow {
     // Of the dialog font, for fitting a column to its texts.
     static constexpr int32_t CharacterWidth = 6;
     static constexpr int32_t CellMargin = 12;
+    // The check box stands at the left end of a row, before its first text.
+    static constexpr int32_t CheckBoxWidth = 16;
 
     using OffscreenWindow::OffscreenWindow;
 
@@ -86,13 +89,18 @@ struct OffscreenListView : OffscreenWindow {
     // Single selection: -1 clears it. The parent hears of a change.
     void Select(int32_t row);
     int32_t GetSelected() const;
+    // The parent hears of a change.
+    void SetChecked(int32_t row, bool checked);
     // Orders the rows by `compare`, which is given their indexes before the sort.
     void Sort(const std::function<int32_t(int32_t, int32_t)>& compare);
+    void ShowSortColumn(int32_t column, SortDirection direction);
     // The row or column under a point of the client area, -1 for none.
     int32_t GetRowAt(const Point& point) const;
     int32_t GetColumnAt(const Point& point) const;
     // Where a click on the row or on the column's heading goes, scrolling the row into view.
     Point GetRowPoint(int32_t row);
+    // Where a click on the row's check box goes.
+    Point GetCheckBoxPoint(int32_t row);
     Point GetHeaderPoint(int32_t column) const;
     int32_t GetContentWidth(int32_t column) const;
 
@@ -100,6 +108,9 @@ struct OffscreenListView : OffscreenWindow {
     std::vector<OffscreenListColumn> columns;
     bool headerHidden = false;
     bool checkBoxes = false;
+    // The heading that shows the sort of the rows, -1 for none, and in which direction.
+    int32_t sortColumn = -1;
+    SortDirection sortDirection = SortAscending;
 };
 
 // A drop-down list with an edit field, which is its child 1001 and holds its text. The field

@@ -144,6 +144,12 @@ void Offscreen_ListBoxImp::SortRows(const std::function<int32_t(int32_t, int32_t
     }
 }
 
+void Offscreen_ListBoxImp::ShowSortColumn(int32_t column, SortDirection direction) {
+    if (OffscreenListView* view = GetView()) {
+        view->ShowSortColumn(column, direction);
+    }
+}
+
 void Offscreen_ListBoxImp::SetNumberOfColumns(int32_t count) {
     OffscreenListView* view = GetView();
     if (view == nullptr || count < 1) {
@@ -248,8 +254,8 @@ void Offscreen_ListBoxImp::EnableCheckBoxes(bool enable) {
 }
 
 void Offscreen_ListBoxImp::SetItemChecked(int32_t row, bool checked) {
-    if (OffscreenListRow* entry = GetRow(row)) {
-        entry->checked = checked;
+    if (OffscreenListView* view = GetView()) {
+        view->SetChecked(row, checked);
     }
 }
 

@@ -103,22 +103,28 @@ class Session:
 
     def handle_folders(self):
         """Makes the session's default handler for folders a script that notes each location it
-        is given, one a line, in the file whose path this returns. The handler is known only to
-        this session: a menu entry in its own data folder and the default in its own settings."""
-        opened = os.path.join(self.home, "opened-folders")
-        script = os.path.join(self.home, "open-folder")
+        is given, one a line, in the file whose path this returns."""
+        return self.handle("inode/directory", "folders")
+
+    def handle(self, mime_type, what):
+        """Makes the session's default handler for `mime_type` a script that notes each location
+        it is given, one a line, in the file whose path this returns. The handler is known only
+        to this session: a menu entry in its own data folder and the default in its own
+        settings."""
+        opened = os.path.join(self.home, "opened-" + what)
+        script = os.path.join(self.home, "open-" + what)
         with open(script, "w") as handler:
             handler.write('#!/bin/sh\nprintf "%%s\\n" "$1" >> "%s"\n' % opened)
         os.chmod(script, 0o700)
         applications = os.path.join(self.home, "data", "applications")
         os.makedirs(applications, exist_ok=True)
-        with open(os.path.join(applications, "sorvanta-test-folders.desktop"), "w") as entry:
-            entry.write("[Desktop Entry]\nType=Application\nName=Test folders\nNoDisplay=true\n"
-                        "Exec=%s %%u\nMimeType=inode/directory;\n" % script)
+        entry_name = "sorvanta-test-%s.desktop" % what
+        with open(os.path.join(applications, entry_name), "w") as entry:
+            entry.write("[Desktop Entry]\nType=Application\nName=Test %s\nNoDisplay=true\n"
+                        "Exec=%s %%u\nMimeType=%s;\n" % (what, script, mime_type))
         os.makedirs(os.path.join(self.home, "config"), exist_ok=True)
         with open(os.path.join(self.home, "config", "mimeapps.list"), "w") as defaults:
-            defaults.write("[Default Applications]\n"
-                           "inode/directory=sorvanta-test-folders.desktop\n")
+            defaults.write("[Default Applications]\n%s=%s\n" % (mime_type, entry_name))
         return opened
 
     def write_settings(self, text):

@@ -56,6 +56,10 @@ public:
         log.push_back("activate " + std::to_string(word));
         return true;
     }
+    bool LogCheck(int32_t row) {
+        log.push_back("check " + std::to_string(row));
+        return true;
+    }
 
     quilt::ListBox rows;
     quilt::AutoPrefDropDownList pattern;
@@ -69,6 +73,7 @@ public:
 const quilt::MessageMapEntry ListsDialog::entries[] = {
     quilt::Notification(quilt::MsgEnterKey, Pattern, &ListsDialog::Log),
     quilt::Notification(quilt::MsgItemActivate, Rows, &ListsDialog::LogWord),
+    quilt::Notification(quilt::MsgItemCheckChange, Rows, &ListsDialog::LogCheck),
     quilt::EndOfMap,
 };
 const quilt::MessageMap ListsDialog::messageMap{&Dialog::messageMap, entries};
@@ -158,26 +163,70 @@ TEST_F(ListControlsTest, HeaderClicksSortByteWiseAndRememberTheirState) {
     Open();
     dialog->rows.SetNumberOfColumns(2);
     Fill({"b", "A", "a", "B"});
+    quilt::SortDirection arrow = quilt::SortAscending;
+    EXPECT_EQ(driver.GetSortColumn(*dialog, Rows, arrow), -1);
     const struct {
         int32_t column;
         Texts names;
+        quilt::SortDirection arrow;
     } clicks[] = {
-        {0, {"b", "a", "B", "A"}},
-        {0, {"A", "B", "a", "b"}},
-        {1, {"A", "B", "a", "b"}},
-        {1, {"b", "a", "B", "A"}},
+        {0, {"b", "a", "B", "A"}, quilt::SortDescending},
+        {0, {"A", "B", "a", "b"}, quilt::SortAscending},
+        {1, {"A", "B", "a", "b"}, quilt::SortAscending},
+        {1, {"b", "a", "B", "A"}, quilt::SortDescending},
     };
     for (const auto& click : clicks) {
         driver.ClickColumnHeader(*dialog, Rows, click.column);
         Serve();
         EXPECT_EQ(Column(0), click.names) << click.column;
+        EXPECT_EQ(driver.GetSortColumn(*dialog, Rows, arrow), click.column);
+        EXPECT_EQ(arrow, click.arrow) << click.column;
     }
+    // New rows stand in name order, which no heading's arrow may claim.
     dialog->rows.Clear();
+    EXPECT_EQ(driver.GetSortColumn(*dialog, Rows, arrow), -1);
     Fill({"b", "A"});
     EXPECT_EQ(Column(0), (Texts{"A", "b"}));
     driver.ClickColumnHeader(*dialog, Rows, 1);
     Serve();
     EXPECT_EQ(Column(0), (Texts{"A", "b"}));
+    EXPECT_EQ(driver.GetSortColumn(*dialog, Rows, arrow), 1);
+    EXPECT_EQ(arrow, quilt::SortAscending);
+}
+
+// A click on a row's check box turns its mark and tells the dialog which row; the program's own
+// change tells it too, but only when the mark really changes; a click on the text selects.
+TEST_F(ListControlsTest, CheckMarksReportTheRowWhoseMarkChanged) {
+    Open();
+    Fill({"a", "b", "c"});
+    dialog->rows.EnableCheckBoxes(true);
+    const struct {
+        const char* action;
+        int32_t row;
+        bool checked;
+        Texts log;
+    } steps[] = {
+        {"click", 1, true, {"check 1"}}, {"click", 1, false, {"check 1"}},
+        {"set", 2, true, {"check 2"}},   {"set", 2, true, {}},
+        {"unset", 0, false, {}},         {"text", 0, false, {}},
+    };
+    for (const auto& step : steps) {
+        dialog->log.clear();
+        std::string action = step.action;
+        if (action == "click") {
+            driver.ClickCheckBox(*dialog, Rows, step.row);
+        } else if (action == "text") {
+            driver.ClickRow(*dialog, Rows, step.row);
+        } else {
+            dialog->rows.SetItemChecked(step.row, action == "set");
+        }
+        Serve();
+        EXPECT_EQ(dialog->rows.IsItemChecked(step.row), step.checked) << action << step.row;
+        EXPECT_EQ(dialog->log, step.log) << action << step.row;
+    }
+    EXPECT_TRUE(dialog->rows.IsItemSelected(0));
+    dialog->rows.UncheckAll();
+    EXPECT_FALSE(dialog->rows.IsItemChecked(2));
 }
 
 int32_t ByLength(quilt::ListControl* list, uintptr_t, int32_t a, int32_t b, int32_t column) {

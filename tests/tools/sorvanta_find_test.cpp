@@ -164,6 +164,60 @@ TEST_F(SorvantaFindTest, SavedOptionsAndIndexAreTheDefaults) {
     EXPECT_EQ(Run({"-R", "m.*"}).exitCode, 1);
 }
 
+// The trigram file that a build writes beside its index changes nothing that the finder prints:
+// the same paths in the same order, counts, limits and failures, whether the file is there,
+// damaged or gone.
+TEST_F(SorvantaFindTest, TheTrigramFileChangesNothingPrinted) {
+    loam::DiskFile file;
+    auto writer = BinaryFileIndexWriter::Begin(file, FileAt("built.idx"));
+    ASSERT_TRUE(writer);
+    writer->AddRoot(FileAt("tree"), 0);
+    const char* const names[] = {"fstab",     "FSTAB.5.gz",       "zlib1g",
+                                 "notes.txt", "x86_64-linux-gnu", "Caf\xe9 menu",
+                                 "two\nlines"};
+    for (int32_t folder = 0; folder < 40; ++folder) {
+        const std::string path = "tree/folder" + std::to_string(folder);
+        writer->AddFolder(FileAt(path), 0);
+        for (int32_t entry = 0; entry < 60; ++entry)
+            writer->AddFile(
+                FileAt(path + "/file" + std::to_string(entry) +
+                       (entry % 23 == folder % 23 ? names[folder % std::size(names)] : ".dat")),
+                1, 0);
+    }
+    writer->Finish();
+    ASSERT_TRUE(std::filesystem::exists(Path("built.idx.trigrams")));
+    const std::string index = Path("built.idx");
+    const std::vector<std::string> searches[] = {
+        {"-d", index, "-R", "-w", "fstab"},
+        {"-d", index, "-R", "-W", "*.txt"},
+        {"-d", index, "-c", "-w", "zlib"},
+        {"-d", index, "-l", "3", "-0", "-w", "x86_64-linux-gnu"},
+        {"-d", index, "-w", "caf\xc9"},
+        {"-d", index, "-w", "two\nlines"},
+        {"-d", index, "-r", ".*fstab.*\\.[a-z]+"},
+        {"-d", index, "-r", "(zlib|notes)[0-9a-z.]*"},
+        {"-d", index, "-R", "-w", "nothing here"},
+        {"-d", index, "-R", "-w", "foo("},
+    };
+    const std::string trigrams = ReadWhole("built.idx.trigrams");
+    std::string damaged = trigrams;
+    damaged[damaged.size() / 2] ^= 1;
+    for (const std::vector<std::string>& arguments : searches) {
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        MakeFile("built.idx.trigrams", trigrams);
+        const Outcome through = Run(arguments);
+        MakeFile("built.idx.trigrams", damaged);
+        const Outcome throughDamaged = Run(arguments);
+        std::filesystem::remove(Path("built.idx.trigrams"));
+        const Outcome whole = Run(arguments);
+        EXPECT_EQ(through.exitCode, whole.exitCode);
+        EXPECT_EQ(through.out, whole.out);
+        EXPECT_EQ(through.err, whole.err);
+        EXPECT_EQ(throughDamaged.out, whole.out);
+    }
+    EXPECT_EQ(Run(searches[0]).out.find("FSTAB.5.gz") != std::string::npos, true);
+}
+
 TEST_F(SorvantaFindTest, AClosedPipeEndsQuietly) {
     const Outcome piped = Run({"-d", Path("index.idx"), "*"}, true);
     EXPECT_EQ(piped.exitCode, 0);

@@ -6,6 +6,7 @@
 #include "quilt/offscreen/offscreen_browse_dialog_imp.h"
 #include "quilt/offscreen/offscreen_controls.h"
 #include "quilt/offscreen/offscreen_dialog_imp.h"
+#include "quilt/offscreen/offscreen_popup_menu_imp.h"
 #include "quilt/offscreen/offscreen_window_imp.h"
 #include "quilt/wait_cursor.h"
 #include "quilt/window.h"
@@ -38,9 +39,12 @@ OffscreenDriver::OffscreenDriver(uint32_t startTime)
     desktop.SetModalHook([this](OffscreenWindow& window) { OnModal(window); });
     Offscreen_BrowseDialogImp::SetAnswerer(
         [this](Offscreen_BrowseDialogImp& chooser) { return AnswerFolderChoice(chooser); });
+    Offscreen_PopupMenuImp::SetAnswerer(
+        [this](const Offscreen_PopupMenuImp& menu) { return AnswerMenu(menu); });
 }
 
 OffscreenDriver::~OffscreenDriver() {
+    Offscreen_PopupMenuImp::SetAnswerer({});
     Offscreen_BrowseDialogImp::SetAnswerer({});
     desktop.SetModalHook({});
     desktop.Reset();

@@ -2,6 +2,7 @@
 
 #include "loam/string.h"
 #include "quilt/geometry.h"
+#include "quilt/list_control.h"
 #include "quilt/offscreen/offscreen_desktop.h"
 #include "quilt/offscreen/testing/virtual_clock.h"
 
@@ -15,6 +16,7 @@ namespace quilt {
 
 class Dialog;
 class Offscreen_BrowseDialogImp;
+class Offscreen_PopupMenuImp;
 class Window;
 
 // Drives the offscreen backend in a test, on a virtual clock: posts what a user does, runs the
@@ -133,12 +135,15 @@ public:
                            std::optional<uint32_t> at = {});
     void ClickRow(Dialog& dialog, int32_t id, int32_t row, std::optional<uint32_t> at = {});
     void DoubleClickRow(Dialog& dialog, int32_t id, int32_t row, std::optional<uint32_t> at = {});
+    void ClickCheckBox(Dialog& dialog, int32_t id, int32_t row, std::optional<uint32_t> at = {});
     int32_t GetRowCount(Dialog& dialog, int32_t id) const;
     loam::String GetCellText(Dialog& dialog, int32_t id, int32_t row, int32_t column) const;
     // -1 when no row is selected.
     int32_t GetSelectedRow(Dialog& dialog, int32_t id) const;
     loam::String GetColumnName(Dialog& dialog, int32_t id, int32_t column) const;
     int32_t GetColumnWidth(Dialog& dialog, int32_t id, int32_t column) const;
+    // The column whose heading shows a sort, -1 for none, and that sort's direction.
+    int32_t GetSortColumn(Dialog& dialog, int32_t id, SortDirection& direction) const;
 
     // A drop-down list: a press on its arrow opens or closes it; a row of the open list is
     // chosen by a press on it.
@@ -153,6 +158,19 @@ public:
     // and read the status line, and gives the folder chosen, or none to cancel. A chooser with
     // no answer waiting is cancelled.
     void OnNextFolderChoice(FolderAnswer answer);
+
+    // The place from the top of the item picked in a popup menu, or none to dismiss it.
+    using MenuAnswer = std::function<std::optional<size_t>(const Offscreen_PopupMenuImp&)>;
+    // Answers the next popup menu, in the order they come up: `answer` may read the items, the
+    // window and the place, and picks an item or dismisses the menu. A menu with no answer
+    // waiting is dismissed.
+    void OnNextMenu(MenuAnswer answer);
+    // An answer that picks the item whose text, with its '&', is `text`; none is picked when no
+    // item has it.
+    static MenuAnswer PickMenuItem(const char* text);
+    // How many popup menus have come up since the driver was made.
+    int32_t GetMenusShown() const { return menusShown; }
+    size_t GetWaitingMenuAnswers() const { return menuAnswers.size(); }
 
 private:
     enum class RunEnd { Rest, Condition, Limit };
@@ -170,11 +188,14 @@ private:
                        std::optional<uint32_t> at);
     void OnModal(OffscreenWindow& window);
     std::optional<loam::String> AnswerFolderChoice(Offscreen_BrowseDialogImp& chooser);
+    std::optional<size_t> AnswerMenu(const Offscreen_PopupMenuImp& menu);
 
     VirtualClock clock;
     OffscreenDesktop& desktop;
     std::deque<std::function<void(Dialog&)>> modalActions;
     std::deque<FolderAnswer> folderAnswers;
+    std::deque<MenuAnswer> menuAnswers;
+    int32_t menusShown = 0;
 };
 
 } // namespace quilt

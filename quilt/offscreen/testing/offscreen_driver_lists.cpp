@@ -55,6 +55,17 @@ void OffscreenDriver::DoubleClickRow(Dialog& dialog, int32_t id, int32_t row,
     PostMouseToControl(dialog, id, OffscreenMessageKind::MouseUp, point, at);
 }
 
+void OffscreenDriver::ClickCheckBox(Dialog& dialog, int32_t id, int32_t row,
+                                    std::optional<uint32_t> at) {
+    OffscreenListView* list = AsListView(FindControl(dialog, id));
+    if (list == nullptr) {
+        return;
+    }
+    Point point = list->GetCheckBoxPoint(row);
+    PostMouseToControl(dialog, id, OffscreenMessageKind::MouseDown, point, at);
+    PostMouseToControl(dialog, id, OffscreenMessageKind::MouseUp, point, at);
+}
+
 int32_t OffscreenDriver::GetRowCount(Dialog& dialog, int32_t id) const {
     OffscreenListView* list = AsListView(FindControl(dialog, id));
     return list != nullptr ? list->GetCount() : 0;
@@ -72,6 +83,15 @@ loam::String OffscreenDriver::GetCellText(Dialog& dialog, int32_t id, int32_t ro
 int32_t OffscreenDriver::GetSelectedRow(Dialog& dialog, int32_t id) const {
     OffscreenListView* list = AsListView(FindControl(dialog, id));
     return list != nullptr ? list->GetSelected() : -1;
+}
+
+int32_t OffscreenDriver::GetSortColumn(Dialog& dialog, int32_t id, SortDirection& direction) const {
+    OffscreenListView* list = AsListView(FindControl(dialog, id));
+    if (list == nullptr) {
+        return -1;
+    }
+    direction = list->sortDirection;
+    return list->sortColumn;
 }
 
 loam::String OffscreenDriver::GetColumnName(Dialog& dialog, int32_t id, int32_t column) const {
