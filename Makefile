@@ -6,7 +6,7 @@ BUILD_PACKAGES := g++ cmake make pkg-config libboost-regex-dev libglib2.0-dev li
 DESKTOP_TEST_PACKAGES := xvfb xdotool dbus-daemon dbus-x11 at-spi2-core python3-gi \
                          gir1.2-atspi-2.0 gir1.2-gtk-3.0 imagemagick x11-utils weston
 TEST_PACKAGES := $(BUILD_PACKAGES) googletest libgtest-dev clang libclang-rt-14-dev \
-                 desktop-file-utils appstream file $(DESKTOP_TEST_PACKAGES)
+                 desktop-file-utils appstream file systemd $(DESKTOP_TEST_PACKAGES)
 PACKAGE_PACKAGES := $(BUILD_PACKAGES) dpkg-dev file
 # `make try-package` installs the package into a fresh Debian in a folder and takes it away again;
 # it needs the network and root or sudo, so `make test` leaves it out.

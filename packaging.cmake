@@ -1,5 +1,6 @@
-# `make install` and `make package`: the two programs, the menu entry, the icons and the
-# software-centre description, in the XDG places under the prefix.
+# `make install` and `make package`: the two programs, the menu entry, the icons, the
+# software-centre description and the daily rebuild's user service and timer, in the XDG places
+# under the prefix. The package enables the timer for every user and takes it away again.
 include(GNUInstallDirs)
 
 install(TARGETS sorvanta sorvanta-find RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
@@ -19,4 +20,8 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
+    ${PROJECT_SOURCE_DIR}/desktop/debian/postinst ${PROJECT_SOURCE_DIR}/desktop/debian/prerm
+    ${PROJECT_SOURCE_DIR}/desktop/debian/postrm)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 include(CPack)

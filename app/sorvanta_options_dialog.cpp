@@ -109,7 +109,8 @@ bool SorvantaOptions::OnBrowse() {
     quilt::BrowseDialog chooser(quilt::BrowsePreview, this);
     const loam::String caption(browseCaption);
     const loam::String prefix;
-    loam::FileSpec chosen;
+    // The chooser opens in the folder that the box shows.
+    loam::FileSpec chosen(indexFolderBox.GetContent());
     if (chooser.Run(&caption, &prefix, chosen)) {
         indexFolderBox.SetContent(chosen.GetPath());
     }

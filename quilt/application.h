@@ -35,6 +35,9 @@ public:
     virtual void WakeIdle() { loop.WakeIdle(); }
     virtual void NoteUserInput(uint32_t time) { loop.NoteUserInput(time); }
     virtual void Quit() { loop.Quit(); }
+    // The busy cursor came or went (WaitCursor): a backend shows it at once, as the program
+    // may now block without serving events.
+    virtual void OnWaitCursorChanged() {}
 
     // The icon in the desktop's notification area. A backend without one answers false.
     virtual bool AddTrayIcon(const loam::ResourceId& icon, const loam::ResourceId& tip) = 0;

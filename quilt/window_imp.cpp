@@ -26,26 +26,20 @@ NotificationAnswer WindowImp::TranslateNotification(const NativeNotification& no
     return AnswerDispatch;
 }
 
-intptr_t WindowImp::OnNativeNotification(const NativeNotification& notification) {
+bool WindowImp::OnNativeNotification(const NativeNotification& notification) {
     NotificationTranslation translation;
     NotificationAnswer answer = TranslateNotification(notification, translation);
-    if (answer == AnswerDispatch) {
-        MessageTarget* target = commandTarget != nullptr ? commandTarget : owner;
-        const int32_t* parameter = translation.parameter ? &*translation.parameter : nullptr;
-        return target->Dispatch(translation.kind, 0, notification.id, parameter) ? 0 : NotHandled;
+    if (answer != AnswerDispatch) {
+        return answer == AnswerHandled;
     }
-    if (answer == AnswerHandled) {
-        return 0;
-    }
-    if (answer == AnswerResult) {
-        return translation.result;
-    }
-    return NotHandled;
+    MessageTarget* target = commandTarget != nullptr ? commandTarget : owner;
+    const int32_t* parameter = translation.parameter ? &*translation.parameter : nullptr;
+    return target->Dispatch(translation.kind, 0, notification.id, parameter);
 }
 
 bool WindowImp::OnControlEvent(const NativeNotification& notification) {
     if (!IsCommandEvent(notification.event)) {
-        return OnNativeNotification(notification) != NotHandled;
+        return OnNativeNotification(notification);
     }
     if (owner->OnCommand(notification.id)) {
         return true;

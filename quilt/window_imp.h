@@ -37,15 +37,11 @@ enum ScrollBarMask : uint32_t {
     ScrollBarVertical = 2,
 };
 
-// Answered through any native result: pass this event to the platform's default handling.
-constexpr intptr_t NotHandled = 0x42424242;
-
 // What a control's Imp makes of a native notification.
 enum NotificationAnswer : int32_t {
     AnswerDispatch = 0, // dispatch the kind on the command target or the owner
     AnswerDefault = 1,  // leave it to the platform
     AnswerHandled = 2,  // handled, nothing to dispatch
-    AnswerResult = 3,   // handled, and the native result is given
 };
 
 // What a native control tells its parent, in the toolkit's terms. A backend maps its platform's
@@ -100,7 +96,6 @@ inline bool IsCommandEvent(ControlEvent event) {
 struct NotificationTranslation {
     int32_t kind = 0;
     std::optional<int32_t> parameter; // none: the handler's word is 0
-    intptr_t result = 0;
 };
 
 enum KeyEventKind : int32_t {
@@ -211,8 +206,8 @@ public:
     // that carries the control id.
     virtual NotificationAnswer TranslateNotification(const NativeNotification& notification,
                                                      NotificationTranslation& out);
-    // The native result of a notification: NotHandled, or what the translation decided.
-    intptr_t OnNativeNotification(const NativeNotification& notification);
+    // Translates and dispatches a notification; false when it is left to the platform.
+    bool OnNativeNotification(const NativeNotification& notification);
     // A backend reports here what a control of this window did; true when the toolkit finished
     // it. A click or an accelerator is a command for the owner, an accelerator then for the
     // application; any other event is translated and dispatched.

@@ -6,13 +6,14 @@
 #include "index/index_data.h"
 #include "index/index_format.h"
 #include "index/index_status.h"
-#include "index/long_name.h"
 #include "loam/disk_file.h"
 #include "loam/error.h"
 #include "loam/preferences.h"
-#include "search/candidate_search.h"
 #include "search/index_searcher.h"
+#include "tools/finder_search.h"
+#include "tools/index_list.h"
 #include "tools/index_state.h"
+#include "tools/paths_in_order.h"
 
 #include <getopt.h>
 
@@ -24,6 +25,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 namespace {
 
@@ -34,17 +36,22 @@ constexpr int ExitError = 2;
 constexpr size_t OutputBufferSize = 1 << 20;
 
 const char helpText[] =
-    "Usage: sorvanta-find [OPTION]... PATTERN\n"
+    "Usage: sorvanta-find [OPTION]... PATTERN...\n"
     "Print the full path of every file and folder in the Sorvanta index whose name\n"
-    "matches PATTERN, in index order.\n"
+    "matches every PATTERN, in index order.\n"
     "\n"
-    "  -r, --regex              PATTERN is a regular expression\n"
-    "  -R, --no-regex           PATTERN is a wildcard pattern\n"
+    "  -r, --regex              the PATTERNs are regular expressions\n"
+    "  -R, --no-regex           the PATTERNs are wildcard patterns\n"
     "  -w, --auto-wildcards     a wildcard pattern without * or ? matches anywhere in a name\n"
-    "  -W, --no-auto-wildcards  a wildcard pattern must match the whole name\n"
+    "                           (in a path with -p)\n"
+    "  -W, --no-auto-wildcards  a wildcard pattern must match the whole name (path)\n"
+    "  -p, --path               match the full path instead of the name, with the same\n"
+    "                           case folding, wildcards and regular expressions\n"
+    "  -e, --existing           print only entries that still exist\n"
     "  -c, --count              print only the number of matches\n"
     "  -l, --limit N            print at most N matches\n"
-    "  -d, --index FILE         search FILE instead of the user's index\n"
+    "  -d, --index FILE[:FILE]  search the FILEs instead of the user's index; may be given\n"
+    "                           more than once; an empty FILE is the user's index\n"
     "  -0, --null               end each path with a NUL byte instead of a newline\n"
     "      --status             print the index's status line, as the main window shows it, "
     "and exit\n"
@@ -54,7 +61,15 @@ const char helpText[] =
     "      --version            print the version and exit\n"
     "\n"
     "The defaults of -r/-R and -w/-W are the options saved by Sorvanta.\n"
-    "Exit status is 0 if something matched, 1 if nothing did, 2 if an error occurred.\n";
+    "\n"
+    "With several indexes the paths come index by index, each index in its own order.\n"
+    "-c counts and -l limits the matches of all indexes together; no index is searched\n"
+    "after the one that reaches the limit. --status prints one line per index, --dump\n"
+    "writes the indexes one after another into one FILE. With more than one index, each\n"
+    "status line and each error begins with the file of its index.\n"
+    "\n"
+    "Exit status is 0 if something matched, 1 if nothing did, 2 if an error occurred.\n"
+    "An index that cannot be read is an error; the other indexes are searched all the same.\n";
 
 const char noIndexText[] = "No index available.";
 const char gaveUpText[] = "the expression was too complex for a name, and the search stopped there";
@@ -67,11 +82,13 @@ struct Request {
     bool isRegExp = false;
     bool autoWildcards = false;
     bool countOnly = false;
+    bool matchPath = false;
+    bool existingOnly = false;
     int32_t limit = INT32_MAX;
     char terminator = '\n';
-    const char* indexFile = nullptr;
+    IndexList indexes;
     const char* dumpFile = nullptr;
-    const char* pattern = nullptr;
+    std::vector<loam::String> patterns;
 };
 
 enum LongOnly { OptionStatus = 256, OptionDump, OptionVersion };
@@ -84,6 +101,8 @@ const option longOptions[] = {
     {"count", no_argument, nullptr, 'c'},
     {"limit", required_argument, nullptr, 'l'},
     {"index", required_argument, nullptr, 'd'},
+    {"path", no_argument, nullptr, 'p'},
+    {"existing", no_argument, nullptr, 'e'},
     {"null", no_argument, nullptr, '0'},
     {"status", no_argument, nullptr, OptionStatus},
     {"dump", required_argument, nullptr, OptionDump},
@@ -92,8 +111,11 @@ const option longOptions[] = {
     {nullptr, 0, nullptr, 0},
 };
 
+// With more than one index, what failed names the file of its index.
+const char* indexLabel = "";
+
 int Fail(const char* text) {
-    std::fprintf(stderr, "%s: %s\n", ProgramName, text);
+    std::fprintf(stderr, "%s: %s%s\n", ProgramName, indexLabel, text);
     return ExitError;
 }
 
@@ -104,7 +126,7 @@ int FailWithTopError() {
 }
 
 int FailUsage() {
-    std::fprintf(stderr, "%s: Usage: %s [OPTION]... PATTERN\n", ProgramName, ProgramName);
+    std::fprintf(stderr, "%s: Usage: %s [OPTION]... PATTERN...\n", ProgramName, ProgramName);
     std::fprintf(stderr, "%s: Try '%s --help' for more information.\n", ProgramName, ProgramName);
     return ExitError;
 }
@@ -169,7 +191,13 @@ bool ParseOption(int option, Request& request) {
         std::fprintf(stderr, "%s: invalid limit '%s'\n", ProgramName, optarg);
         return false;
     case 'd':
-        request.indexFile = optarg;
+        request.indexes.Add(optarg);
+        return true;
+    case 'p':
+        request.matchPath = true;
+        return true;
+    case 'e':
+        request.existingOnly = true;
         return true;
     case '0':
         request.terminator = '\0';
@@ -192,13 +220,13 @@ bool ParseOption(int option, Request& request) {
     }
 }
 
-// A search takes exactly one pattern; the other actions take none.
+// A search takes one pattern or more; the other actions take none.
 bool ParseArguments(int argc, char** argv, Request& request) {
     // The parser names the program in its messages as it was called; the finder's own name
     // reads better than a full path.
     argv[0] = const_cast<char*>(ProgramName);
     int option = 0;
-    while ((option = getopt_long(argc, argv, "rRwWcl:d:0h", longOptions, nullptr)) != -1) {
+    while ((option = getopt_long(argc, argv, "rRwWpecl:d:0h", longOptions, nullptr)) != -1) {
         if (!ParseOption(option, request))
             return false;
     }
@@ -207,18 +235,26 @@ bool ParseArguments(int argc, char** argv, Request& request) {
         return true;
     if (request.action != ActionSearch)
         return operands == 0;
-    if (operands != 1)
+    if (operands < 1)
         return false;
-    request.pattern = argv[optind];
+    request.patterns.assign(argv + optind, argv + argc);
     return true;
 }
 
-loam::FileSpec GetIndexFile(const Request& request) {
-    if (request.indexFile)
-        return loam::FileSpec(request.indexFile);
-    SorvantaSettings::LoadSettings();
-    return SorvantaSettings::GetIndexFile();
-}
+// Names the index in what is said about it, when there are several.
+class IndexLabel {
+public:
+    IndexLabel(const loam::FileSpec& file, size_t indexCount) {
+        if (indexCount > 1)
+            label.Format("%s: ", file.GetPath().GetCString());
+        indexLabel = label.GetCString();
+    }
+    ~IndexLabel() { indexLabel = ""; }
+    const loam::String& GetText() const { return label; }
+
+private:
+    loam::String label;
+};
 
 // What goes through every record by its ordinal needs the whole table.
 bool LoadIndex(IndexData& index, const loam::FileSpec& file) {
@@ -234,138 +270,161 @@ bool CountIndex(IndexData& index, const loam::FileSpec& file) {
 }
 
 // Paths are built only for what is printed, and no longer once the output has failed. They are
-// the real paths on the disk, as GetRealPathOf builds them, but results come in index order and
-// most share their folder with the one before, so the folder is walked up to only when it changes.
-void WritePaths(Output& output, const IndexData& index, int32_t count, char terminator) {
-    loam::FileSpec folder, path;
-    uint32_t parentOfFolder = IndexNoParent;
+// the real paths on the disk, as GetRealPathOf builds them.
+bool WritePaths(Output& output, const FinderSearch& search, int32_t count, char terminator) {
+    PathsInOrder paths(search.GetIndex(), PathsInOrder::Names::Real);
     for (int32_t i = 0; i < count; ++i) {
-        const IndexRecord* record = index.GetResult(i);
-        if (i == 0 || record->GetParent() != parentOfFolder) {
-            GetRealFolderOf(index, record, folder);
-            parentOfFolder = record->GetParent();
-        }
-        path = folder;
-        AppendRealName(path, *record);
-        const loam::String& text = path.GetPath();
+        const loam::String& text = paths.GetPath(search.GetFound(i));
         if (!output.Write(text.GetCString(), static_cast<size_t>(text.GetLength())) ||
             !output.Write(&terminator, 1))
-            return;
-    }
-}
-
-// A search goes through the records once, in file order, so the index is scanned a window at a
-// time, and the pass goes on from window to window. Nothing is printed before the last window
-// has been checked: a file refused at its end shows the refusal alone, as the loader would.
-bool SearchWholeIndex(IndexData& index, const loam::FileSpec& file, const Request& request,
-                      bool& gaveUp) {
-    const ScanMatches matches = request.countOnly ? ScanMatches::Counted : ScanMatches::Kept;
-    const bool scanned = index.Scan(file, matches);
-    // An index under build or left unfinished is no answer; why goes in place of the loader's
-    // words.
-    if (const char* reason = GetUnfinishedIndexReason(file, scanned, index)) {
-        loam::ClearErrors();
-        return loam::RaiseError(loam::ErrorGeneral, reason);
-    }
-    if (!scanned)
-        return false;
-    IndexSearcher searcher;
-    const bool started =
-        searcher.Start(&index, request.pattern, request.isRegExp, request.autoWildcards);
-    bool searching = started;
-    // A refused pattern is told only of an index that loads whole: a damaged record's failure
-    // goes on top of the pattern's.
-    while (index.GetRecordCount() > 0) {
-        if (searching) {
-            searcher.RunToEnd(nullptr);
-            searching = searcher.Rewind();
-            gaveUp = !searching;
-        }
-        if (!index.TakeNextWindow())
             return false;
     }
-    return started;
+    return true;
 }
 
-// The index's trigram file, where it serves, leads to the few records that may match.
+FinderQuery MakeQuery(const Request& request) {
+    FinderQuery query;
+    query.patterns = request.patterns;
+    query.isRegExp = request.isRegExp;
+    query.autoWildcards = request.autoWildcards;
+    query.matchPath = request.matchPath;
+    query.existingOnly = request.existingOnly;
+    query.countOnly = request.countOnly;
+    return query;
+}
+
+// Each index is read whole before any of its paths is printed: a file refused at its end shows
+// the refusal alone, as the loader would. An index that fails is told, and the others are
+// searched all the same; a refused pattern would be refused by all of them. What a search that
+// stopped early found is printed, as the window shows it, but it is no answer to the whole
+// question.
 int RunSearch(const Request& request) {
-    const loam::FileSpec file = GetIndexFile(request);
-    IndexData index;
-    bool gaveUp = false;
-    if (!SearchCandidates(index, file, request.pattern, request.isRegExp, request.autoWildcards) &&
-        !SearchWholeIndex(index, file, request, gaveUp))
-        return FailWithTopError();
-    const int32_t found = index.GetResultCount();
-    const int32_t shown = std::min(found, request.limit);
+    const std::vector<loam::FileSpec> files = request.indexes.GetFiles();
+    const FinderQuery query = MakeQuery(request);
     Output output;
-    if (request.countOnly) {
+    int32_t shown = 0;
+    bool matched = false;
+    bool failed = false;
+    bool searched = false;
+    for (const loam::FileSpec& file : files) {
+        const IndexLabel label(file, files.size());
+        FinderSearch search(query);
+        const FinderSearch::Outcome outcome = search.Run(file);
+        if (outcome == FinderSearch::Outcome::IndexFailed ||
+            outcome == FinderSearch::Outcome::PatternRefused) {
+            failed = true;
+            FailWithTopError();
+            if (outcome == FinderSearch::Outcome::PatternRefused)
+                break;
+            continue;
+        }
+        searched = true;
+        const int32_t found = search.GetFoundCount();
+        const int32_t count = std::min(found, request.limit - shown);
+        matched = matched || found > 0;
+        shown += count;
+        if (!request.countOnly && !WritePaths(output, search, count, request.terminator))
+            break;
+        if (outcome == FinderSearch::Outcome::GaveUp) {
+            failed = true;
+            Fail(gaveUpText);
+        }
+        if (matched && shown >= request.limit)
+            break;
+    }
+    // A count that no index gave would be no answer.
+    if (request.countOnly && searched) {
         char text[16];
         const int length = std::snprintf(text, sizeof text, "%d\n", shown);
         output.Write(text, static_cast<size_t>(length));
-    } else {
-        WritePaths(output, index, shown, request.terminator);
     }
-    if (!output.Finish())
+    if (!output.Finish() || failed)
         return ExitError;
-    // What was found stands, as in the window, but it is no answer to the whole question.
-    if (gaveUp)
-        return Fail(gaveUpText);
-    return found > 0 ? ExitMatched : ExitNothingMatched;
+    return matched ? ExitMatched : ExitNothingMatched;
 }
 
 // The line of the main window: without an index file the window's own words, after a failed
 // load the loader's.
-int RunStatus(const Request& request) {
-    const loam::FileSpec file = GetIndexFile(request);
+int WriteStatus(Output& output, const loam::FileSpec& file, const loam::String& label) {
     if (file.GetKind() != loam::FileKindFile)
         return Fail(noIndexText);
     IndexData index;
     if (!CountIndex(index, file))
         return FailWithTopError();
-    RegisterSorvantaStrings();
-    loam::String line;
-    FormatIndexStatus(line, index, file, loam::DateTime::Now());
+    loam::String status;
+    FormatIndexStatus(status, index, file, loam::DateTime::Now());
+    loam::String line = label + status;
     line.Append('\n');
-    Output output;
     output.Write(line.GetCString(), static_cast<size_t>(line.GetLength()));
-    return output.Finish() ? ExitMatched : ExitError;
+    return ExitMatched;
+}
+
+int RunStatus(const Request& request) {
+    const std::vector<loam::FileSpec> files = request.indexes.GetFiles();
+    RegisterSorvantaStrings();
+    Output output;
+    int status = ExitMatched;
+    for (const loam::FileSpec& file : files) {
+        const IndexLabel label(file, files.size());
+        status = std::max(status, WriteStatus(output, file, label.GetText()));
+    }
+    return output.Finish() ? status : ExitError;
 }
 
 // Standard output may be a pipe or a file opened for appending: it is written, never reopened.
-int DumpToStandardOutput(const IndexData& index) {
-    Output output;
+bool DumpToStandardOutput(Output& output, const IndexData& index) {
     for (int32_t ordinal = 0; ordinal < index.GetRecordCount(); ++ordinal) {
         loam::String line = index.GetDumpLine(index.GetRecord(ordinal));
         line.Append("\r\n");
         if (!output.Write(line.GetCString(), static_cast<size_t>(line.GetLength())))
-            break;
+            return false;
     }
-    return output.Finish() ? ExitMatched : ExitError;
+    return true;
+}
+
+// Whether writing `output` would replace one of the indexes, whatever the spelling of the paths.
+bool IsAnyOf(const loam::FileSpec& output, const std::vector<loam::FileSpec>& indexes) {
+    return std::any_of(indexes.begin(), indexes.end(),
+                       [&output](const loam::FileSpec& index) { return output.IsSameFile(index); });
 }
 
 // The same lines as the index's own dump, but a file that cannot be made or filled, a full disk
-// above all, is told in the system's words; the file takes its name only once it is whole.
+// above all, is told in the system's words; the file takes its name only once it is whole. Of
+// several indexes each follows the one before; the first that fails ends the dump.
 int RunDump(const Request& request) {
-    IndexData index;
-    const loam::FileSpec indexFile = GetIndexFile(request);
-    const bool loaded = LoadIndex(index, indexFile);
-    if (const char* reason = GetUnfinishedIndexReason(indexFile, loaded, index)) {
-        loam::ClearErrors();
-        return Fail(reason);
-    }
-    if (!loaded)
-        return FailWithTopError();
-    if (std::strcmp(request.dumpFile, "-") == 0)
-        return DumpToStandardOutput(index);
-    if (loam::FileSpec(request.dumpFile).IsSameFile(indexFile))
-        return Fail(dumpOntoIndexText);
+    const std::vector<loam::FileSpec> files = request.indexes.GetFiles();
+    const bool toStandardOutput = std::strcmp(request.dumpFile, "-") == 0;
+    Output output;
     loam::DiskFile file;
-    if (!file.CreateBeside(loam::FileSpec(request.dumpFile)))
+    if (!toStandardOutput && IsAnyOf(loam::FileSpec(request.dumpFile), files))
+        return Fail(dumpOntoIndexText);
+    if (!toStandardOutput && !file.CreateBeside(loam::FileSpec(request.dumpFile)))
         return FailWithTopError();
-    for (int32_t ordinal = 0; ordinal < index.GetRecordCount(); ++ordinal) {
-        if (!file.WriteLine(index.GetDumpLine(index.GetRecord(ordinal))))
+    for (const loam::FileSpec& indexFile : files) {
+        const IndexLabel label(indexFile, files.size());
+        IndexData index;
+        const bool loaded = LoadIndex(index, indexFile);
+        if (const char* reason = GetUnfinishedIndexReason(indexFile, loaded, index)) {
+            loam::ClearErrors();
+            output.Finish();
+            return Fail(reason);
+        }
+        if (!loaded) {
+            output.Finish();
             return FailWithTopError();
+        }
+        if (toStandardOutput) {
+            if (!DumpToStandardOutput(output, index))
+                break;
+            continue;
+        }
+        for (int32_t ordinal = 0; ordinal < index.GetRecordCount(); ++ordinal) {
+            if (!file.WriteLine(index.GetDumpLine(index.GetRecord(ordinal))))
+                return FailWithTopError();
+        }
     }
+    if (toStandardOutput)
+        return output.Finish() ? ExitMatched : ExitError;
     return file.PutInPlace() ? ExitMatched : FailWithTopError();
 }
 

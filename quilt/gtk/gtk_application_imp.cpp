@@ -1,7 +1,9 @@
 #include "quilt/gtk/gtk_application_imp.h"
 
 #include "quilt/gtk/gtk_support.h"
+#include "quilt/wait_cursor.h"
 
+#include <gdk/gdkx.h>
 #include <gtk/gtk.h>
 
 namespace quilt {
@@ -28,6 +30,48 @@ bool IsUserInput(const GdkEvent& event) {
     }
 }
 
+// The largest size of a window: a cover as large reaches the window's edges whatever its size.
+constexpr gint coverSize = 32767;
+
+// GDK gives a window its cursor only as it serves the pointer's events. On X11 the cover is a
+// window of the X server's own, and the server shows its cursor at once.
+void ShowCursorNow(GdkWindow* cover, GdkCursor* cursor) {
+    if (cursor == nullptr || !GDK_IS_X11_WINDOW(cover)) {
+        return;
+    }
+    gdk_window_ensure_native(cover);
+    XDefineCursor(GDK_WINDOW_XDISPLAY(cover), GDK_WINDOW_XID(cover),
+                  gdk_x11_cursor_get_xcursor(cursor));
+}
+
+void CoverWindows(GdkDisplay* display, std::vector<GdkWindow*>& covers) {
+    GdkCursor* cursor = gdk_cursor_new_from_name(display, "wait");
+    GdkWindowAttr attributes{};
+    attributes.wclass = GDK_INPUT_ONLY;
+    attributes.window_type = GDK_WINDOW_CHILD;
+    attributes.width = coverSize;
+    attributes.height = coverSize;
+    attributes.cursor = cursor;
+    GList* windows = gtk_window_list_toplevels();
+    for (GList* item = windows; item != nullptr; item = item->next) {
+        GdkWindow* window = gtk_widget_get_window(GTK_WIDGET(item->data));
+        if (window == nullptr || !gdk_window_is_visible(window)) {
+            continue;
+        }
+        // Destroying a window drops one reference: the second keeps a cover whose window went
+        // first until it is destroyed here too.
+        GdkWindow* cover = gdk_window_new(window, &attributes, GDK_WA_CURSOR);
+        g_object_ref(cover);
+        ShowCursorNow(cover, cursor);
+        gdk_window_show(cover);
+        covers.push_back(cover);
+    }
+    g_list_free(windows);
+    if (cursor != nullptr) {
+        g_object_unref(cursor);
+    }
+}
+
 void HandleEvent(GdkEvent* event, gpointer) {
     if (IsUserInput(*event)) {
         NoteUserInput(0);
@@ -46,7 +90,6 @@ bool Gtk_ApplicationImp::Initialise() {
 }
 
 void Gtk_ApplicationImp::PumpMessages() {
-    UpdateWaitCursor();
     for (int32_t served = 0;
          served < maximumEventsPerPump && g_main_context_iteration(nullptr, FALSE); ++served) {
     }
@@ -55,7 +98,6 @@ void Gtk_ApplicationImp::PumpMessages() {
 // The context blocks in its poll until a source is ready; a timeout source of our own ends the
 // wait when its time is up, and tells that apart from an event.
 bool Gtk_ApplicationImp::WaitMessage(std::optional<uint32_t> timeout) {
-    UpdateWaitCursor();
     if (!timeout) {
         g_main_context_iteration(nullptr, TRUE);
         return true;
@@ -76,6 +118,19 @@ bool Gtk_ApplicationImp::WaitMessage(std::optional<uint32_t> timeout) {
     return !timedOut;
 }
 
+void Gtk_ApplicationImp::OnWaitCursorChanged() {
+    for (GdkWindow* cover : busyCovers) {
+        gdk_window_destroy(cover);
+        g_object_unref(cover);
+    }
+    busyCovers.clear();
+    GdkDisplay* display = gdk_display_get_default();
+    if (WaitCursor::IsShowing()) {
+        CoverWindows(display, busyCovers);
+    }
+    gdk_display_flush(display);
+}
+
 void Gtk_ApplicationImp::Quit() {
     ApplicationImp::Quit();
     g_main_context_wakeup(nullptr);
@@ -83,7 +138,6 @@ void Gtk_ApplicationImp::Quit() {
 
 void RunGtkModalLoop(const std::function<bool()>& running) {
     while (running()) {
-        UpdateWaitCursor();
         g_main_context_iteration(nullptr, TRUE);
     }
 }

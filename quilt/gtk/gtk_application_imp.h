@@ -2,8 +2,11 @@
 
 #include "quilt/application.h"
 
+#include <gtk/gtk.h>
+
 #include <functional>
 #include <optional>
+#include <vector>
 
 namespace quilt {
 
@@ -17,6 +20,9 @@ public:
     bool WaitMessage(std::optional<uint32_t> timeout) override;
     bool CanReceiveEvents() override { return true; }
     void Quit() override;
+    // Each window on the screen is covered by an input-only pane with the busy cursor, above
+    // the controls that have cursors of their own, until the last WaitCursor ends.
+    void OnWaitCursorChanged() override;
 
     // GTK shows no icon in a notification area for this toolkit.
     bool AddTrayIcon(const loam::ResourceId&, const loam::ResourceId&) override { return false; }
@@ -28,6 +34,9 @@ protected:
     // A system-wide key needs a grab on the whole desktop, which GTK does not offer.
     bool RegisterNativeHotKey(uint32_t, int32_t, uint32_t) override { return false; }
     void UnregisterNativeHotKey(uint32_t) override {}
+
+private:
+    std::vector<GdkWindow*> busyCovers;
 };
 
 // A modal loop: serves events, waiting for each, while `running` answers true. No idle round

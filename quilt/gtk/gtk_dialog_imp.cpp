@@ -107,22 +107,14 @@ bool IsApplicationQuitting() {
            application->GetImp()->GetLoop().IsQuitting();
 }
 
-void CollectTabStops(GtkWidget* clientArea, std::vector<GtkWidget*>& stops) {
-    GList* children = gtk_container_get_children(GTK_CONTAINER(clientArea));
-    for (GList* item = children; item != nullptr; item = item->next) {
-        auto* child = GTK_WIDGET(item->data);
-        GtkNative* native = FindNative(child);
-        if (native == nullptr || !gtk_widget_get_visible(child) ||
-            !gtk_widget_is_sensitive(child)) {
-            continue;
-        }
-        if (native->clientArea != nullptr) {
-            CollectTabStops(native->clientArea, stops);
-        } else if ((native->style & StyleTabStop) != 0) {
-            stops.push_back(child);
-        }
+// The upper-case key of the mnemonic that a label, or a button's label, underlines.
+int32_t GetMnemonicOf(GtkWidget* inner) {
+    GtkWidget* label = GTK_IS_BUTTON(inner) ? gtk_bin_get_child(GTK_BIN(inner)) : inner;
+    if (label == nullptr || !GTK_IS_LABEL(label)) {
+        return 0;
     }
-    g_list_free(children);
+    guint key = gdk_keyval_to_upper(gtk_label_get_mnemonic_keyval(GTK_LABEL(label)));
+    return key < 128 ? static_cast<int32_t>(key) : 0;
 }
 
 // An editable text of several lines takes Return and Tab itself, as a person typing into it
@@ -159,12 +151,6 @@ void TieLabels(GtkWidget* clientArea) {
 
 } // namespace
 
-const Gtk_DialogImp::DialogKey Gtk_DialogImp::dialogKeys[] = {
-    {KeyReturn, &Gtk_DialogImp::PressDefault},
-    {KeyEscape, &Gtk_DialogImp::PressCancel},
-    {KeyTab, &Gtk_DialogImp::MoveFocus},
-};
-
 bool Gtk_DialogImp::RunNativeModal(const loam::ResourceId& resource, Window* parent) {
     if (!CreateNativeDialog(resource, parent, false)) {
         return false;
@@ -174,10 +160,15 @@ bool Gtk_DialogImp::RunNativeModal(const loam::ResourceId& resource, Window* par
     }
     RunGtkModalLoop([this] { return IsModalRunning(); });
     Destroy();
-    if (GtkWidget* owner = GetWidgetOf(parent)) {
-        gtk_window_present(GTK_WINDOW(gtk_widget_get_toplevel(owner)));
-    }
     return true;
+}
+
+void Gtk_DialogImp::RaiseTopLevel(Window* window) {
+    GtkWidget* widget = GetWidgetOf(window);
+    GtkWidget* top = widget != nullptr ? gtk_widget_get_toplevel(widget) : nullptr;
+    if (top != nullptr && GTK_IS_WINDOW(top)) {
+        gtk_window_present(GTK_WINDOW(top));
+    }
 }
 
 void Gtk_DialogImp::EndNativeModal() {
@@ -238,11 +229,48 @@ bool Gtk_DialogImp::HasFocusWithin() {
     return focus != nullptr && (focus == GetWidget() || gtk_widget_is_ancestor(focus, GetWidget()));
 }
 
-void Gtk_DialogImp::FocusFirstTabStop() {
-    std::vector<GtkWidget*> stops = GetTabStops();
-    if (!stops.empty()) {
-        gtk_widget_grab_focus(FindNative(stops.front())->inner);
+void Gtk_DialogImp::GetControls(NativeHandle page, std::vector<DialogControl>& controls) {
+    GtkNative* container =
+        FindNative(page != nullptr ? static_cast<GtkWidget*>(page) : GetWidget());
+    if (container == nullptr || container->clientArea == nullptr) {
+        return;
     }
+    GList* children = gtk_container_get_children(GTK_CONTAINER(container->clientArea));
+    for (GList* item = children; item != nullptr; item = item->next) {
+        auto* child = GTK_WIDGET(item->data);
+        GtkNative* native = FindNative(child);
+        if (native == nullptr) {
+            continue;
+        }
+        DialogControl control;
+        control.handle = child;
+        control.id = native->id;
+        control.style = native->style;
+        control.usable = gtk_widget_get_visible(child) && gtk_widget_is_sensitive(child);
+        control.page = native->clientArea != nullptr;
+        control.pushButton = IsPushButton(child);
+        control.checkable = IsCheckBox(child);
+        control.mnemonic = GetMnemonicOf(native->inner);
+        controls.push_back(control);
+    }
+    g_list_free(children);
+}
+
+NativeHandle Gtk_DialogImp::GetFocusControl() {
+    GtkWidget* window = gtk_widget_get_toplevel(GetWidget());
+    GtkWidget* focus = GTK_IS_WINDOW(window) ? gtk_window_get_focus(GTK_WINDOW(window)) : nullptr;
+    GtkWidget* placed = FindNativeWidgetAbove(focus);
+    return placed != GetWidget() ? placed : nullptr;
+}
+
+void Gtk_DialogImp::FocusControl(NativeHandle control) {
+    if (GtkNative* native = FindNative(static_cast<GtkWidget*>(control))) {
+        gtk_widget_grab_focus(native->inner);
+    }
+}
+
+void Gtk_DialogImp::ClickControl(NativeHandle control) {
+    PressButton(static_cast<GtkWidget*>(control));
 }
 
 GtkWidget* Gtk_DialogImp::MakeNativeDialog(Window* parent, bool asChild, const DialogUnits& units) {
@@ -298,30 +326,27 @@ void Gtk_DialogImp::AddControls(GtkWidget* clientArea, const DialogUnits& units)
     TieLabels(clientArea);
 }
 
-// A dialog that the owner holds to a least size can't be made smaller on the screen.
+// A dialog that the owner holds to a least size can't be made smaller on the screen. A
+// resizable one comes up wide enough for what its controls hold: the anchors give the added
+// width to the controls that stretch, such as a status line.
 void Gtk_DialogImp::LimitSize() {
     GtkWidget* area = GetClientArea();
-    if (area == nullptr || !GTK_IS_WINDOW(GetWidget())) {
+    if (area == nullptr || !GTK_IS_WINDOW(GetWidget()) ||
+        !gtk_window_get_resizable(GTK_WINDOW(GetWidget()))) {
         return;
     }
-    Rect client;
-    GetClientRect(client);
     Size least{1, 1};
-    bool sizable = gtk_window_get_resizable(GTK_WINDOW(GetWidget()));
-    if (!sizable) {
-        gtk_widget_set_size_request(area, client.GetWidth(), client.GetHeight());
-        return;
-    }
     if (!ConstrainSize(least)) {
         least = Size{1, 1};
     }
     gtk_widget_set_size_request(area, least.width, least.height);
-    // It comes up wide enough for what its controls hold: the anchors give the added width to
-    // the controls that stretch, such as a status line.
-    if (!gtk_widget_get_realized(GetWidget())) {
-        client.right += GetWidthShortfall();
+    Rect client;
+    GetClientRect(client);
+    int32_t shortfall = gtk_widget_get_realized(GetWidget()) ? 0 : GetWidthShortfall();
+    if (shortfall > 0) {
+        client.right += shortfall;
+        SetClientRect(client);
     }
-    gtk_window_resize(GTK_WINDOW(GetWidget()), client.GetWidth(), client.GetHeight());
 }
 
 // How much wider than its rectangle the widest-reaching control would have to be to show all it
@@ -352,37 +377,9 @@ void Gtk_DialogImp::EnableControl(int32_t id, bool enable) {
     }
 }
 
-void Gtk_DialogImp::MoveControl(int32_t id, int32_t x, int32_t y) {
-    Rect rect;
-    if (GetControlRect(id, rect)) {
-        SetControlRect(id, Rect{x, y, x + rect.GetWidth(), y + rect.GetHeight()});
-    }
-}
-
-void Gtk_DialogImp::OffsetControl(int32_t id, int32_t dx, int32_t dy) {
-    Rect rect;
-    if (GetControlRect(id, rect)) {
-        rect.Offset(dx, dy);
-        SetControlRect(id, rect);
-    }
-}
-
-void Gtk_DialogImp::SetControlSize(int32_t id, int32_t width, int32_t height) {
-    Rect rect;
-    if (GetControlRect(id, rect)) {
-        SetControlRect(id, Rect{rect.left, rect.top, rect.left + width, rect.top + height});
-    }
-}
-
-void Gtk_DialogImp::ShowControl(int32_t id) {
+void Gtk_DialogImp::SetControlVisible(int32_t id, bool visible) {
     if (GtkWidget* control = FindControl(id)) {
-        gtk_widget_show(control);
-    }
-}
-
-void Gtk_DialogImp::HideControl(int32_t id) {
-    if (GtkWidget* control = FindControl(id)) {
-        gtk_widget_hide(control);
+        gtk_widget_set_visible(control, visible);
     }
 }
 
@@ -395,28 +392,9 @@ bool Gtk_DialogImp::GetControlRect(int32_t id, Rect& rect) {
     return true;
 }
 
-void Gtk_DialogImp::SetControlRect(int32_t id, const Rect& rect) {
-    GtkWidget* control = FindControl(id);
-    if (control == nullptr) {
-        return;
-    }
-    if (deferDepth > 0) {
-        deferredMoves.emplace_back(id, rect);
-        return;
-    }
-    MoveControlTo(control, rect);
-}
-
-void Gtk_DialogImp::EndLayout() {
-    if (deferDepth == 0 || --deferDepth > 0) {
-        return;
-    }
-    std::vector<std::pair<int32_t, Rect>> moves;
-    moves.swap(deferredMoves);
-    for (const auto& [id, rect] : moves) {
-        if (GtkWidget* control = FindControl(id)) {
-            MoveControlTo(control, rect);
-        }
+void Gtk_DialogImp::PlaceControlNow(int32_t id, const Rect& rect) {
+    if (GtkWidget* control = FindControl(id)) {
+        MoveControlTo(control, rect);
     }
 }
 
@@ -426,10 +404,7 @@ void Gtk_DialogImp::SetCheck(int32_t id, int32_t state) {
     }
 }
 
-int32_t Gtk_DialogImp::GetCheck(int32_t id) {
-    if (GetWidget() == nullptr) {
-        return CheckStateIndeterminate;
-    }
+int32_t Gtk_DialogImp::GetNativeCheck(int32_t id) {
     return GetCheckState(FindControl(id));
 }
 
@@ -461,10 +436,6 @@ bool Gtk_DialogImp::SetControlId(int32_t id, int32_t newId) {
     return true;
 }
 
-void Gtk_DialogImp::MapDialogRect(Rect& rect) {
-    rect = GetUnits().ToPixels(rect);
-}
-
 void Gtk_DialogImp::SetRect(const Rect& rect, bool repaint) {
     Gtk_WindowImp::SetRect(rect, repaint);
     KeepPlacement();
@@ -473,90 +444,21 @@ void Gtk_DialogImp::SetRect(const Rect& rect, bool repaint) {
 bool Gtk_DialogImp::OnKeyEvent(const GdkEventKey& event) {
     int32_t key = 0;
     uint32_t modifiers = 0;
-    const DialogKey* dialogKey = nullptr;
     if (event.type == GDK_KEY_PRESS && TranslateKey(event, key, modifiers)) {
-        auto found = std::find_if(std::begin(dialogKeys), std::end(dialogKeys),
-                                  [key](const DialogKey& entry) { return entry.key == key; });
-        dialogKey = found != std::end(dialogKeys) ? found : nullptr;
-    }
-    if (dialogKey == nullptr) {
-        return Gtk_WindowImp::OnKeyEvent(event);
-    }
-    GtkWidget* focus = gtk_window_get_focus(GTK_WINDOW(GetWidget()));
-    Gtk_WindowImp* target = FindImpAbove(focus);
-    int32_t nativeCode = TakesDialogKeys(focus) ? DialogCodeWantAllKeys : 0;
-    int32_t code = target != nullptr && target != this
-                       ? target->GetDialogCode(KeyEventDown, key, nativeCode)
-                       : nativeCode;
-    bool wantsTab = key == KeyTab && (code & DialogCodeWantTab) != 0;
-    if ((code & DialogCodeWantAllKeys) != 0 || wantsTab) {
-        return Gtk_WindowImp::OnKeyEvent(event);
-    }
-    (this->*dialogKey->press)(focus, modifiers);
-    return true;
-}
-
-void Gtk_DialogImp::PressDefault(GtkWidget* focus, uint32_t) {
-    GtkWidget* focused = FindNativeWidgetAbove(focus);
-    if (focused != nullptr && focused != GetWidget() && IsPushButton(focused)) {
-        PressButton(focused);
-        return;
-    }
-    for (GtkWidget* stop : GetTabStops()) {
-        GtkNative* native = FindNative(stop);
-        if ((native->style & StyleDefaultButton) != 0) {
-            PressButton(stop);
-            return;
+        GtkWidget* focus = gtk_window_get_focus(GTK_WINDOW(GetWidget()));
+        int32_t nativeCode = TakesDialogKeys(focus) ? DialogCodeWantAllKeys : 0;
+        if (OnDialogKey(KeyEventDown, key, modifiers, FindImpAbove(focus), nativeCode)) {
+            return true;
         }
     }
-    SendCommand(IdOK);
-}
-
-void Gtk_DialogImp::PressCancel(GtkWidget*, uint32_t) {
-    SendCommand(IdCancel);
-}
-
-void Gtk_DialogImp::MoveFocus(GtkWidget* focus, uint32_t modifiers) {
-    std::vector<GtkWidget*> stops = GetTabStops();
-    if (stops.empty()) {
-        return;
-    }
-    auto count = static_cast<int32_t>(stops.size());
-    bool backwards = (modifiers & ModifierShift) != 0;
-    auto found = std::find_if(stops.begin(), stops.end(), [focus](GtkWidget* stop) {
-        return focus != nullptr && (focus == stop || gtk_widget_is_ancestor(focus, stop));
-    });
-    int32_t next = backwards ? count - 1 : 0;
-    if (found != stops.end()) {
-        auto index = static_cast<int32_t>(found - stops.begin());
-        next = (index + (backwards ? count - 1 : 1)) % count;
-    }
-    gtk_widget_grab_focus(FindNative(stops[next])->inner);
-}
-
-std::vector<GtkWidget*> Gtk_DialogImp::GetTabStops() const {
-    std::vector<GtkWidget*> stops;
-    if (GtkWidget* area = GetClientArea()) {
-        CollectTabStops(area, stops);
-    }
-    return stops;
-}
-
-void Gtk_DialogImp::SendCommand(int32_t id) {
-    OnControlEvent(NativeNotification{ControlEvent::Clicked, id, 0});
-}
-
-void Gtk_DialogImp::OnCloseRequest() {
-    if (!GetOwner()->OnClose()) {
-        SendCommand(IdCancel);
-    }
+    return Gtk_WindowImp::OnKeyEvent(event);
 }
 
 GtkWidget* Gtk_DialogImp::FindControl(int32_t id) const {
     return GetWidget() != nullptr ? FindControlIn(GetWidget(), id) : nullptr;
 }
 
-DialogUnits Gtk_DialogImp::GetUnits() const {
+DialogUnits Gtk_DialogImp::GetDialogUnits() const {
     return dialogTemplate != nullptr ? units : DialogUnits::OfDialogFont();
 }
 

@@ -586,6 +586,37 @@ struct ChooserState {
     GtkWidget* status;
 };
 
+// Once the chooser has its size, it is made to fit the work area of its screen and centred on
+// its owner, or on that work area without one, inside it.
+void PlaceChooser(GtkWidget* dialog, gpointer ownerWindow) {
+    GdkDisplay* display = gtk_widget_get_display(dialog);
+    GdkWindow* window = gtk_widget_get_window(dialog);
+    GdkMonitor* monitor = window != nullptr ? gdk_display_get_monitor_at_window(display, window)
+                                            : gdk_display_get_primary_monitor(display);
+    GdkRectangle area{0, 0, 0, 0};
+    if (monitor != nullptr) {
+        gdk_monitor_get_workarea(monitor, &area);
+    }
+    gint width = 0;
+    gint height = 0;
+    gtk_window_get_size(GTK_WINDOW(dialog), &width, &height);
+    width = std::min(width, area.width);
+    height = std::min(height, area.height);
+    gtk_window_resize(GTK_WINDOW(dialog), width, height);
+    GdkRectangle owner = area;
+    GdkWindow* ownerGdk =
+        ownerWindow != nullptr ? gtk_widget_get_window(GTK_WIDGET(ownerWindow)) : nullptr;
+    if (ownerGdk != nullptr) {
+        gdk_window_get_origin(ownerGdk, &owner.x, &owner.y);
+        gtk_window_get_size(GTK_WINDOW(ownerWindow), &owner.width, &owner.height);
+    }
+    gint x = owner.x + owner.width / 2 - width / 2;
+    gint y = owner.y + owner.height / 2 - height / 2;
+    x = std::clamp(x, area.x, area.x + area.width - width);
+    y = std::clamp(y, area.y, area.y + area.height - height);
+    gtk_window_move(GTK_WINDOW(dialog), x, y);
+}
+
 void ShowChooserStatus(GtkFileChooser* chooser, gpointer data) {
     auto* state = static_cast<ChooserState*>(data);
     gchar* selected = gtk_file_chooser_get_filename(chooser);
@@ -622,6 +653,7 @@ bool Gtk_BrowseDialogImp::Run(const loam::String* caption, const loam::String* s
     gtk_file_chooser_set_extra_widget(chooser, state.status);
     ShowChooserStatus(chooser, &state);
     g_signal_connect(chooser, "selection-changed", G_CALLBACK(ShowChooserStatus), &state);
+    g_signal_connect_after(dialog, "map", G_CALLBACK(PlaceChooser), ownerWindow);
     bool accepted = gtk_dialog_run(GTK_DIALOG(dialog)) == GTK_RESPONSE_ACCEPT;
     gchar* folderChosen = accepted ? gtk_file_chooser_get_filename(chooser) : nullptr;
     chosen = folderChosen != nullptr ? folderChosen : "";

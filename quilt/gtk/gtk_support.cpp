@@ -1,7 +1,6 @@
 #include "quilt/gtk/gtk_support.h"
 
 #include "quilt/keys.h"
-#include "quilt/wait_cursor.h"
 
 #include <cstdlib>
 
@@ -116,8 +115,6 @@ uint32_t ModifierFlags(guint state, bool forMouse) {
     return flags;
 }
 
-bool waitCursorShown = false;
-
 } // namespace
 
 bool OpenGtkDisplay() {
@@ -226,27 +223,6 @@ uint32_t TranslateHeldButtons(guint state) {
         }
     }
     return flags;
-}
-
-void UpdateWaitCursor() {
-    bool wanted = WaitCursor::IsShowing();
-    if (wanted == waitCursorShown) {
-        return;
-    }
-    waitCursorShown = wanted;
-    GdkDisplay* display = gdk_display_get_default();
-    GdkCursor* cursor = wanted ? gdk_cursor_new_from_name(display, "wait") : nullptr;
-    GList* windows = gtk_window_list_toplevels();
-    for (GList* item = windows; item != nullptr; item = item->next) {
-        if (GdkWindow* window = gtk_widget_get_window(GTK_WIDGET(item->data))) {
-            gdk_window_set_cursor(window, cursor);
-        }
-    }
-    g_list_free(windows);
-    if (cursor != nullptr) {
-        g_object_unref(cursor);
-    }
-    gdk_display_flush(display);
 }
 
 } // namespace quilt

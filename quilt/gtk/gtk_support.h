@@ -68,7 +68,4 @@ uint32_t TranslateButton(guint button, guint state);
 // The held buttons and modifiers during a pointer move.
 uint32_t TranslateHeldButtons(guint state);
 
-// Shows or takes away the busy cursor on every top-level window as the WaitCursor count says.
-void UpdateWaitCursor();
-
 } // namespace quilt

@@ -239,12 +239,27 @@ void Gtk_WindowImp::SetRect(const Rect& rect, bool) {
     }
     native->rect = rect;
     gtk_window_move(GTK_WINDOW(widget), rect.left, rect.top);
-    if (gtk_window_get_resizable(GTK_WINDOW(widget))) {
-        gtk_window_resize(GTK_WINDOW(widget), std::max(rect.GetWidth(), 1),
-                          std::max(rect.GetHeight(), 1));
-    } else {
-        gtk_widget_set_size_request(native->clientArea, rect.GetWidth(), rect.GetHeight());
+    int32_t width = std::max(rect.GetWidth(), 1);
+    int32_t height = std::max(rect.GetHeight(), 1);
+    // GTK holds a window that the user can't size to at least its default size: the default
+    // follows, so that such a window can get smaller than it was made.
+    if (!gtk_window_get_resizable(GTK_WINDOW(widget))) {
+        gtk_widget_set_size_request(native->clientArea, width, height);
+        gtk_window_set_default_size(GTK_WINDOW(widget), width, height);
     }
+    gtk_window_resize(GTK_WINDOW(widget), width, height);
+    ReportSize(width, height);
+}
+
+// The owner hears of a new size at once, as from a size that the user gave, so that a size set
+// by code is laid out before anything is shown; the window system's later word on the same size
+// changes nothing.
+void Gtk_WindowImp::ReportSize(int32_t width, int32_t height) {
+    if (width == reportedSize.width && height == reportedSize.height) {
+        return;
+    }
+    reportedSize = Size{width, height};
+    OnNativeSize(width, height);
 }
 
 void Gtk_WindowImp::BringToTop() {
@@ -487,6 +502,20 @@ void Gtk_WindowImp::MapPoints(Window* target, Point* points, int32_t count) {
     }
 }
 
+// GTK paints on its frame clock, after the events of a pass: a window that must show its state
+// before a long call paints now.
+void Gtk_WindowImp::Update() {
+    GtkWidget* top = widget != nullptr ? gtk_widget_get_toplevel(widget) : nullptr;
+    GdkWindow* window = top != nullptr ? gtk_widget_get_window(top) : nullptr;
+    if (window == nullptr) {
+        return;
+    }
+    G_GNUC_BEGIN_IGNORE_DEPRECATIONS
+    gdk_window_process_updates(window, TRUE);
+    G_GNUC_END_IGNORE_DEPRECATIONS
+    gdk_display_flush(gdk_window_get_display(window));
+}
+
 void Gtk_WindowImp::Invalidate(const Rect*) {
     GtkNative* native = GetNative();
     if (native != nullptr) {
@@ -602,10 +631,7 @@ void Gtk_WindowImp::OnConfigure(int32_t width, int32_t height) {
         reportedPosition = Point{x, y};
         GetOwner()->OnMove(x, y);
     }
-    if (width != reportedSize.width || height != reportedSize.height) {
-        reportedSize = Size{width, height};
-        OnNativeSize(width, height);
-    }
+    ReportSize(width, height);
 }
 
 bool Gtk_WindowImp::CreateNativeChild(Window& control, const ChildControl& childSpec, int32_t id) {

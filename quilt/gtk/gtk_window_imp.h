@@ -47,8 +47,7 @@ public:
     int32_t GetShowState() override;
     void SetShowState(int32_t state) override;
     void Show(int32_t mode) override;
-    // GTK paints on its frame clock, right after the events of this pass.
-    void Update() override {}
+    void Update() override;
     void LockUpdates() override {}
     void UnlockUpdates() override {}
     bool GetScreenRect(Rect& rect) override;
@@ -90,6 +89,8 @@ public:
 protected:
     bool CreateNativeChild(Window& control, const ChildControl& childSpec, int32_t id) override;
     void SetParentWindow(Window* window) { parent = window; }
+    // Tells the owner of a new client size, once for each size.
+    void ReportSize(int32_t width, int32_t height);
     // Connects what a top-level window hears: closing, moving and sizing, keys.
     static void ConnectTopLevel(GtkWidget* window);
     // The Imp that key events for a widget go to: the one bound to it or above it.

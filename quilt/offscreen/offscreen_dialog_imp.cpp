@@ -12,64 +12,17 @@ namespace quilt {
 
 namespace {
 
-void PressDefault(OffscreenDialogWindow& dialog, OffscreenWindow& target, uint32_t) {
-    auto* focused = dynamic_cast<OffscreenButton*>(&target);
-    if (focused != nullptr && focused->IsPushButton()) {
-        focused->Click();
-        return;
-    }
-    OffscreenWindow* defaultButton = nullptr;
-    for (const auto& child : dialog.children) {
-        if ((child->style & StyleDefaultButton) != 0) {
-            defaultButton = child.get();
-            break;
-        }
-    }
-    dialog.PressButton(defaultButton != nullptr ? defaultButton->id : IdOK);
+NativeHandle ToNativeHandle(const OffscreenWindow& window) {
+    return reinterpret_cast<NativeHandle>(static_cast<uintptr_t>(window.handle));
 }
 
-void PressCancel(OffscreenDialogWindow& dialog, OffscreenWindow&, uint32_t) {
-    dialog.SendCommand(IdCancel);
+OffscreenWindow* FromNativeHandle(NativeHandle handle) {
+    auto number = static_cast<OffscreenHandle>(reinterpret_cast<uintptr_t>(handle));
+    return GetOffscreenDesktop().Find(number);
 }
 
-void MoveFocus(OffscreenDialogWindow& dialog, OffscreenWindow& target, uint32_t modifiers) {
-    std::vector<OffscreenWindow*> stops = dialog.GetTabStops();
-    if (stops.empty()) {
-        return;
-    }
-    auto count = static_cast<int32_t>(stops.size());
-    bool backwards = (modifiers & ModifierShift) != 0;
-    auto found = std::find(stops.begin(), stops.end(), &target);
-    int32_t next = backwards ? count - 1 : 0;
-    if (found != stops.end()) {
-        auto index = static_cast<int32_t>(found - stops.begin());
-        next = (index + (backwards ? count - 1 : 1)) % count;
-    }
-    OffscreenDialogWindow::FocusControl(*stops[next]);
-}
-
-struct DialogKey {
-    int32_t key;
-    void (*press)(OffscreenDialogWindow& dialog, OffscreenWindow& target, uint32_t modifiers);
-};
-
-constexpr DialogKey dialogKeys[] = {
-    {KeyReturn, PressDefault},
-    {KeyEscape, PressCancel},
-    {KeyTab, MoveFocus},
-};
-
-void CollectTabStops(OffscreenWindow& window, std::vector<OffscreenWindow*>& stops) {
-    for (const auto& child : window.children) {
-        if (!child->IsEnabledAndVisible()) {
-            continue;
-        }
-        if (dynamic_cast<OffscreenDialogWindow*>(child.get()) != nullptr) {
-            CollectTabStops(*child, stops);
-        } else if ((child->style & StyleTabStop) != 0) {
-            stops.push_back(child.get());
-        }
-    }
+Offscreen_DialogImp* DialogImpOf(OffscreenWindow& window) {
+    return dynamic_cast<Offscreen_DialogImp*>(window.imp);
 }
 
 bool IsApplicationQuitting() {
@@ -81,8 +34,9 @@ bool IsApplicationQuitting() {
 } // namespace
 
 void OffscreenDialogWindow::DefaultHandling(const OffscreenMessage& message) {
-    if (message.kind == OffscreenMessageKind::Close) {
-        SendCommand(IdCancel);
+    Offscreen_DialogImp* dialog = DialogImpOf(*this);
+    if (message.kind == OffscreenMessageKind::Close && dialog != nullptr) {
+        dialog->CloseByUser();
         return;
     }
     OffscreenWindow::DefaultHandling(message);
@@ -90,60 +44,14 @@ void OffscreenDialogWindow::DefaultHandling(const OffscreenMessage& message) {
 
 bool OffscreenDialogWindow::TranslateDialogKey(OffscreenWindow& target,
                                                const OffscreenMessage& message) {
+    Offscreen_DialogImp* dialog = DialogImpOf(*this);
     bool isDown = message.kind == OffscreenMessageKind::KeyDown;
-    if (!isDown && message.kind != OffscreenMessageKind::Char) {
+    if (dialog == nullptr || (!isDown && message.kind != OffscreenMessageKind::Char)) {
         return false;
     }
-    const DialogKey* key =
-        std::find_if(std::begin(dialogKeys), std::end(dialogKeys),
-                     [&message](const DialogKey& entry) { return entry.key == message.value; });
-    if (key == std::end(dialogKeys)) {
-        return false;
-    }
-    int32_t code = target.GetDialogCode(isDown ? KeyEventDown : KeyEventChar, message.value);
-    bool wantsTab = message.value == KeyTab && (code & DialogCodeWantTab) != 0;
-    if ((code & DialogCodeWantAllKeys) != 0 || wantsTab) {
-        return false;
-    }
-    // The character that follows a key the dialog took is swallowed with it.
-    if (isDown) {
-        key->press(*this, target, message.flags);
-    }
-    return true;
-}
-
-std::vector<OffscreenWindow*> OffscreenDialogWindow::GetTabStops() {
-    std::vector<OffscreenWindow*> stops;
-    CollectTabStops(*this, stops);
-    return stops;
-}
-
-void OffscreenDialogWindow::FocusControl(OffscreenWindow& control) {
-    OffscreenHandle handle = control.handle;
-    GetOffscreenDesktop().SetFocus(&control);
-    auto* edit = dynamic_cast<OffscreenEdit*>(GetOffscreenDesktop().Find(handle));
-    if (edit != nullptr && (edit->GetDialogCode(KeyEventDown, KeyTab) & DialogCodeHasSetSel)) {
-        edit->Select(0, edit->text.GetLength());
-    }
-}
-
-void OffscreenDialogWindow::PressButton(int32_t id) {
-    OffscreenWindow* control = FindControl(id);
-    if (control != nullptr && !control->IsEnabledAndVisible()) {
-        return;
-    }
-    if (auto* button = dynamic_cast<OffscreenButton*>(control)) {
-        button->Click();
-        return;
-    }
-    SendCommand(id);
-}
-
-void OffscreenDialogWindow::SendCommand(int32_t id) {
-    OffscreenMessage command{OffscreenMessageKind::Notify};
-    command.value = id;
-    command.event = ControlEvent::Clicked;
-    GetOffscreenDesktop().Send(this, command);
+    KeyEventKind kind = isDown ? KeyEventDown : KeyEventChar;
+    return dialog->OnDialogKey(kind, message.value, message.flags, target.imp,
+                               target.GetNativeDialogCode(kind, message.value));
 }
 
 bool Offscreen_DialogImp::RunNativeModal(const loam::ResourceId& resource, Window* parent) {
@@ -191,7 +99,7 @@ bool Offscreen_DialogImp::CreateNativeDialog(const loam::ResourceId& resource, W
     }
     OffscreenDesktop& desktop = GetOffscreenDesktop();
     auto window = std::make_unique<OffscreenDialogWindow>(asChild ? parentNative : nullptr);
-    DialogUnits units = GetUnits();
+    DialogUnits units = GetDialogUnits();
     // A top-level dialog comes up at its owner's corner unless it is centred.
     Point origin = asChild ? Point{} : desktop.GetScreenOrigin(parentNative);
     window->rect = Rect{origin.x, origin.y, origin.x + units.ToPixelsX(dialogTemplate->width),
@@ -237,11 +145,55 @@ bool Offscreen_DialogImp::HasFocusWithin() {
     return focus != nullptr && focus->IsInside(GetNative());
 }
 
-void Offscreen_DialogImp::FocusFirstTabStop() {
-    std::vector<OffscreenWindow*> stops =
-        static_cast<OffscreenDialogWindow*>(GetNative())->GetTabStops();
-    if (!stops.empty()) {
-        OffscreenDialogWindow::FocusControl(*stops.front());
+void Offscreen_DialogImp::GetControls(NativeHandle page, std::vector<DialogControl>& controls) {
+    OffscreenWindow* container = page != nullptr ? FromNativeHandle(page) : GetNative();
+    if (container == nullptr) {
+        return;
+    }
+    for (const auto& child : container->children) {
+        auto* button = dynamic_cast<OffscreenButton*>(child.get());
+        DialogControl control;
+        control.handle = ToNativeHandle(*child);
+        control.id = child->id;
+        control.style = child->style;
+        control.usable = child->IsEnabledAndVisible();
+        control.page = dynamic_cast<OffscreenDialogWindow*>(child.get()) != nullptr;
+        control.pushButton = button != nullptr && button->IsPushButton();
+        control.checkable = button != nullptr && !button->IsPushButton();
+        control.mnemonic = GetMnemonicKey(child->text.GetCString());
+        controls.push_back(control);
+    }
+}
+
+NativeHandle Offscreen_DialogImp::GetFocusControl() {
+    OffscreenWindow* focus = GetOffscreenDesktop().GetFocus();
+    bool inside = focus != nullptr && focus != GetNative() && focus->IsInside(GetNative());
+    return inside ? ToNativeHandle(*focus) : nullptr;
+}
+
+void Offscreen_DialogImp::FocusControl(NativeHandle control) {
+    OffscreenWindow* window = FromNativeHandle(control);
+    if (window == nullptr) {
+        return;
+    }
+    GetOffscreenDesktop().SetFocus(window);
+    auto* edit = dynamic_cast<OffscreenEdit*>(FromNativeHandle(control));
+    if (edit != nullptr && (edit->GetDialogCode(KeyEventDown, KeyTab) & DialogCodeHasSetSel)) {
+        edit->Select(0, edit->text.GetLength());
+    }
+}
+
+void Offscreen_DialogImp::ClickControl(NativeHandle control) {
+    auto* button = dynamic_cast<OffscreenButton*>(FromNativeHandle(control));
+    if (button != nullptr && button->IsEnabledAndVisible()) {
+        button->Click();
+    }
+}
+
+void Offscreen_DialogImp::RaiseTopLevel(Window* window) {
+    OffscreenWindow* native = GetNativeOf(window);
+    if (native != nullptr) {
+        GetOffscreenDesktop().BringToTop(native->GetTopLevel());
     }
 }
 
@@ -281,44 +233,6 @@ void Offscreen_DialogImp::EnableControl(int32_t id, bool enable) {
     }
 }
 
-void Offscreen_DialogImp::MoveControl(int32_t id, int32_t x, int32_t y) {
-    if (OffscreenWindow* control = FindControl(id)) {
-        const Rect& rect = control->rect;
-        GetOffscreenDesktop().MoveWindow(control,
-                                         Rect{x, y, x + rect.GetWidth(), y + rect.GetHeight()});
-    }
-}
-
-void Offscreen_DialogImp::OffsetControl(int32_t id, int32_t dx, int32_t dy) {
-    if (OffscreenWindow* control = FindControl(id)) {
-        Rect rect = control->rect;
-        rect.Offset(dx, dy);
-        GetOffscreenDesktop().MoveWindow(control, rect);
-    }
-}
-
-void Offscreen_DialogImp::SetControlSize(int32_t id, int32_t width, int32_t height) {
-    Rect rect;
-    if (GetControlRect(id, rect)) {
-        SetControlRect(id, Rect{rect.left, rect.top, rect.left + width, rect.top + height});
-    }
-}
-
-void Offscreen_DialogImp::SetVisible(int32_t id, bool visible) {
-    if (OffscreenWindow* control = FindControl(id)) {
-        control->visible = visible;
-        control->needsPaint = true;
-    }
-}
-
-void Offscreen_DialogImp::ShowControl(int32_t id) {
-    SetVisible(id, true);
-}
-
-void Offscreen_DialogImp::HideControl(int32_t id) {
-    SetVisible(id, false);
-}
-
 bool Offscreen_DialogImp::GetControlRect(int32_t id, Rect& rect) {
     OffscreenWindow* control = FindControl(id);
     if (control == nullptr) {
@@ -328,29 +242,16 @@ bool Offscreen_DialogImp::GetControlRect(int32_t id, Rect& rect) {
     return true;
 }
 
-void Offscreen_DialogImp::SetControlRect(int32_t id, const Rect& rect) {
-    OffscreenWindow* control = FindControl(id);
-    if (control == nullptr) {
-        return;
+void Offscreen_DialogImp::PlaceControlNow(int32_t id, const Rect& rect) {
+    if (OffscreenWindow* control = FindControl(id)) {
+        GetOffscreenDesktop().MoveWindow(control, rect);
     }
-    if (deferDepth > 0) {
-        deferredMoves.emplace_back(control->handle, rect);
-        return;
-    }
-    GetOffscreenDesktop().MoveWindow(control, rect);
 }
 
-void Offscreen_DialogImp::EndLayout() {
-    if (deferDepth == 0 || --deferDepth > 0) {
-        return;
-    }
-    OffscreenDesktop& desktop = GetOffscreenDesktop();
-    std::vector<std::pair<OffscreenHandle, Rect>> moves;
-    moves.swap(deferredMoves);
-    for (const auto& [handle, rect] : moves) {
-        if (OffscreenWindow* control = desktop.Find(handle)) {
-            desktop.MoveWindow(control, rect);
-        }
+void Offscreen_DialogImp::SetControlVisible(int32_t id, bool visible) {
+    if (OffscreenWindow* control = FindControl(id)) {
+        control->visible = visible;
+        control->needsPaint = true;
     }
 }
 
@@ -361,10 +262,7 @@ void Offscreen_DialogImp::SetCheck(int32_t id, int32_t state) {
     }
 }
 
-int32_t Offscreen_DialogImp::GetCheck(int32_t id) {
-    if (GetNative() == nullptr) {
-        return CheckStateIndeterminate;
-    }
+int32_t Offscreen_DialogImp::GetNativeCheck(int32_t id) {
     auto* button = dynamic_cast<OffscreenButton*>(FindControl(id));
     return button != nullptr ? button->checkState : CheckStateUnchecked;
 }
@@ -405,10 +303,6 @@ bool Offscreen_DialogImp::SetControlId(int32_t id, int32_t newId) {
     return true;
 }
 
-void Offscreen_DialogImp::MapDialogRect(Rect& rect) {
-    rect = GetUnits().ToPixels(rect);
-}
-
 void Offscreen_DialogImp::SetRect(const Rect& rect, bool repaint) {
     Offscreen_WindowImp::SetRect(rect, repaint);
     KeepPlacement();
@@ -418,7 +312,7 @@ OffscreenWindow* Offscreen_DialogImp::FindControl(int32_t id) const {
     return GetNative() != nullptr ? GetNative()->FindControl(id) : nullptr;
 }
 
-DialogUnits Offscreen_DialogImp::GetUnits() const {
+DialogUnits Offscreen_DialogImp::GetDialogUnits() const {
     if (dialogTemplate == nullptr) {
         return DialogUnits::OfDialogFont();
     }

@@ -283,6 +283,19 @@ def local_path(location):
     return location
 
 
+def extents(node):
+    """A control's box on the screen: left, top, width, height."""
+    box = node.get_extents(Atspi.CoordType.SCREEN)
+    return box.x, box.y, box.width, box.height
+
+
+def end_with_escape(session, window):
+    """Escape in the search window closes it, which ends the program with code 0."""
+    session.focus(window)
+    session.keys("Escape")
+    check(session.wait_exit() == 0, "Escape closes the window and ends the program")
+
+
 def table_rows(table):
     return Atspi.Table.get_n_rows(table)
 

@@ -3,18 +3,12 @@
 #include "index/volume_index_builder.h"
 #include "loam/disk_file.h"
 #include "loam/file_lock.h"
-#include "loam/preferences.h"
-#include "loam/scratch_folder.h"
 #include "search/index_searcher.h"
-
-#include <gtest/gtest.h>
+#include "tools/finder_process.h"
 
 #include <chrono>
 #include <csignal>
-#include <fcntl.h>
 #include <poll.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <string>
@@ -22,16 +16,10 @@
 
 namespace {
 
-struct Outcome {
-    int exitCode;
-    std::string out, err;
-};
-
-class SorvantaFindTest : public ScratchFolderTest {
+class SorvantaFindTest : public FinderProcessTest {
 protected:
     void SetUp() override {
-        ScratchFolderTest::SetUp();
-        loam::SetPreferenceLocation("Wendlemark", "Sorvanta");
+        FinderProcessTest::SetUp();
         // A root, two folders and four files of 100 to 400 bytes, in walk order.
         loam::DiskFile file;
         ASSERT_TRUE(file.OpenFile(FileAt("index.idx"), loam::FileModeWrite));
@@ -45,44 +33,7 @@ protected:
         writer.AddFile(FileAt("tree/src/main.cpp"), 400, 0);
         writer.Finish();
     }
-
-    std::string Lines(const std::vector<std::string>& names, const std::string& end = "\n") const {
-        std::string text;
-        for (const std::string& name : names)
-            text += Path(name) + end;
-        return text;
-    }
-
-    // Runs the finder with standard output and error in files, or standard output a pipe that
-    // nobody reads if asked.
-    Outcome Run(std::vector<std::string> arguments, bool closedPipe = false) const {
-        int pipeEnds[2] = {-1, -1};
-        EXPECT_TRUE(!closedPipe || pipe(pipeEnds) == 0);
-        const pid_t child = fork();
-        if (child == 0) {
-            close(pipeEnds[0]);
-            const int flags = O_WRONLY | O_CREAT | O_TRUNC;
-            dup2(closedPipe ? pipeEnds[1] : open(Path("stdout").c_str(), flags, 0600), 1);
-            dup2(open(Path("stderr").c_str(), flags, 0600), 2);
-            std::vector<char*> argv{const_cast<char*>(SORVANTA_FIND)};
-            for (std::string& argument : arguments)
-                argv.push_back(argument.data());
-            argv.push_back(nullptr);
-            execv(SORVANTA_FIND, argv.data());
-            _exit(127);
-        }
-        for (const int end : pipeEnds)
-            close(end);
-        int status = 0;
-        waitpid(child, &status, 0);
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
-                closedPipe ? "" : ReadWhole("stdout"), ReadWhole("stderr")};
-    }
 };
-
-std::string Said(const std::string& text) {
-    return "sorvanta-find: " + text + "\n";
-}
 
 TEST_F(SorvantaFindTest, OutputsExitCodesAndMessages) {
     MakeFile("empty.idx", "");
@@ -100,9 +51,9 @@ TEST_F(SorvantaFindTest, OutputsExitCodesAndMessages) {
         Lines({"tree/", "tree/docs/", "tree/docs/readme.txt", "tree/docs/Old README.txt",
                "tree/NOTES.TXT", "tree/src/", "tree/src/main.cpp"},
               "\r\n");
-    const std::string usage = Said("Usage: sorvanta-find [OPTION]... PATTERN") +
+    const std::string usage = Said("Usage: sorvanta-find [OPTION]... PATTERN...") +
                               Said("Try 'sorvanta-find --help' for more information.");
-    const std::pair<std::vector<std::string>, Outcome> table[] = {
+    ExpectRuns({
         {{"-d", index, "-R", "-w", "readme"}, {0, readmes, ""}},
         {{"--index", index, "--no-auto-wildcards", "*.TXT"},
          {0, readmes + Lines({"tree/NOTES.TXT"}), ""}},
@@ -140,14 +91,7 @@ TEST_F(SorvantaFindTest, OutputsExitCodesAndMessages) {
         {{"-l", "many", "a"}, {2, "", Said("invalid limit 'many'") + usage}},
         {{}, {2, "", usage}},
         {{"--status", "a"}, {2, "", usage}},
-    };
-    for (const auto& [arguments, expected] : table) {
-        SCOPED_TRACE(testing::PrintToString(arguments));
-        const Outcome outcome = Run(arguments);
-        EXPECT_EQ(outcome.exitCode, expected.exitCode);
-        EXPECT_EQ(outcome.out, expected.out);
-        EXPECT_EQ(outcome.err, expected.err);
-    }
+    });
     EXPECT_EQ(ReadWhole("dump.txt"), dump);
 }
 
@@ -288,6 +232,45 @@ TEST_F(SorvantaFindTest, AStoppedFinderNeitherHoldsUpABuildNorTearsItsOutput) {
     EXPECT_GT(rebuilt.GetRecordCount(), 0);
 }
 
+// Names longer than a record holds are found by their head or their ending, and printed as they
+// are on the disk, whether they are the entry's own name or a folder's on its path.
+TEST_F(SorvantaFindTest, LongNamesArePrintedAsTheyAreOnTheDisk) {
+    std::string cjk83;
+    for (int i = 0; i < 83; ++i)
+        cjk83 += "\xE6\x96\x87";
+    const std::string cjk84 = cjk83 + "\xE5\xAD\x97";
+    const std::string pdf = "tree/" + cjk84 + "/" + cjk83 + ".pdf";
+    const std::string folders = "tree/" + std::string(255, 'y') + "/" + std::string(253, 'z');
+    std::filesystem::create_directories(Path(folders));
+    std::filesystem::create_directories(Path("tree/" + cjk84));
+    MakeFile(pdf, "%PDF");
+    MakeFile(folders + "/report.txt", "12");
+    {
+        const ScopedEnvironment roots("SORVANTA_ROOTS", Path("tree").c_str());
+        loam::DiskFile file;
+        const auto writer = BinaryFileIndexWriter::Begin(file, FileAt("long.idx"));
+        ASSERT_NE(writer, nullptr);
+        EXPECT_TRUE(VolumeIndexBuilder(nullptr).RunToCompletion(writer.get()));
+        writer->Finish();
+    }
+    const std::string index = Path("long.idx");
+    const std::pair<std::vector<std::string>, std::string> table[] = {
+        {{"-R", "-W", "*.pdf"}, Lines({pdf})},
+        {{"-R", "-W", "report.txt"}, Lines({folders + "/report.txt"})},
+        {{"-r", "y.*"}, Lines({"tree/" + std::string(255, 'y')})},
+        {{"-R", "-W", "*zzz"}, Lines({folders})},
+        {{"-R", "-W", "*.txt"}, Lines({folders + "/report.txt"})},
+    };
+    for (const auto& [arguments, printed] : table) {
+        std::vector<std::string> all = {"-d", index};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        const Outcome outcome = Run(all);
+        EXPECT_EQ(outcome.exitCode, 0) << arguments.back();
+        EXPECT_EQ(outcome.out, printed) << arguments.back();
+        EXPECT_EQ(outcome.err, "") << arguments.back();
+    }
+}
+
 // However the dump's file is named, it never takes the place of the index it is made from: the
 // index stays whole and loads as before.
 TEST_F(SorvantaFindTest, ADumpNeverReplacesItsIndex) {
@@ -392,45 +375,6 @@ TEST_F(SorvantaFindTest, AnExpressionGivenUpOnANameIsAnError) {
     EXPECT_EQ(outcome.out, shown);
     EXPECT_EQ(outcome.err,
               Said("the expression was too complex for a name, and the search stopped there"));
-}
-
-// Names longer than a record holds are found by their head or their ending, and printed as they
-// are on the disk, whether they are the entry's own name or a folder's on its path.
-TEST_F(SorvantaFindTest, LongNamesArePrintedAsTheyAreOnTheDisk) {
-    std::string cjk83;
-    for (int i = 0; i < 83; ++i)
-        cjk83 += "\xE6\x96\x87";
-    const std::string cjk84 = cjk83 + "\xE5\xAD\x97";
-    const std::string pdf = "tree/" + cjk84 + "/" + cjk83 + ".pdf";
-    const std::string folders = "tree/" + std::string(255, 'y') + "/" + std::string(253, 'z');
-    std::filesystem::create_directories(Path(folders));
-    std::filesystem::create_directories(Path("tree/" + cjk84));
-    MakeFile(pdf, "%PDF");
-    MakeFile(folders + "/report.txt", "12");
-    {
-        const ScopedEnvironment roots("SORVANTA_ROOTS", Path("tree").c_str());
-        loam::DiskFile file;
-        const auto writer = BinaryFileIndexWriter::Begin(file, FileAt("long.idx"));
-        ASSERT_NE(writer, nullptr);
-        EXPECT_TRUE(VolumeIndexBuilder(nullptr).RunToCompletion(writer.get()));
-        writer->Finish();
-    }
-    const std::string index = Path("long.idx");
-    const std::pair<std::vector<std::string>, std::string> table[] = {
-        {{"-R", "-W", "*.pdf"}, Lines({pdf})},
-        {{"-R", "-W", "report.txt"}, Lines({folders + "/report.txt"})},
-        {{"-r", "y.*"}, Lines({"tree/" + std::string(255, 'y')})},
-        {{"-R", "-W", "*zzz"}, Lines({folders})},
-        {{"-R", "-W", "*.txt"}, Lines({folders + "/report.txt"})},
-    };
-    for (const auto& [arguments, printed] : table) {
-        std::vector<std::string> all = {"-d", index};
-        all.insert(all.end(), arguments.begin(), arguments.end());
-        const Outcome outcome = Run(all);
-        EXPECT_EQ(outcome.exitCode, 0) << arguments.back();
-        EXPECT_EQ(outcome.out, printed) << arguments.back();
-        EXPECT_EQ(outcome.err, "") << arguments.back();
-    }
 }
 
 } // namespace
