@@ -2,7 +2,9 @@
 
 #include "app/resources/sorvanta_templates.h"
 #include "app/sorvanta_app.h"
+#include "index/index_data.h"
 #include "loam/error.h"
+#include "quilt/application.h"
 #include "quilt/timer.h"
 #include "quilt/window_imp.h"
 
@@ -42,9 +44,12 @@ void BuildIndexWindow::StartBuild() {
     if (indexFile == nullptr) {
         indexFile = std::make_unique<loam::DiskFile>();
     }
-    writer = BinaryFileIndexWriter::Begin(*indexFile, SorvantaApp::GetIndexFile());
+    loam::FileSpec location;
+    if (SorvantaApp::GetIndexFileToWrite(location)) {
+        writer = BinaryFileIndexWriter::Begin(*indexFile, location);
+    }
     if (writer == nullptr) {
-        loam::ReportError();
+        ReportFailure();
         // Nobody could fix the cause and the ticks would report it for ever.
         if (!GetDialogImp()->IsUserPresent()) {
             OnCancel();
@@ -64,7 +69,33 @@ void BuildIndexWindow::ShowProgress(uint32_t timerId) {
         return;
     }
     quilt::Timer::Stop(timerId);
+    DiscardBuild();
+    CheckWrittenIndex();
     OnCancel();
+}
+
+// The walk does not look at its writes, so a full, read-only or vanished folder shows only in
+// the file it leaves: the run loads what it wrote and reports the loader's failure.
+void BuildIndexWindow::CheckWrittenIndex() {
+    IndexData written;
+    bool loaded = written.Scan(SorvantaApp::GetIndexFile(), ScanMatches::Counted);
+    while (loaded && written.GetRecordCount() > 0) {
+        loaded = written.TakeNextWindow();
+    }
+    if (loaded) {
+        loam::ClearErrors();
+        return;
+    }
+    ReportFailure();
+}
+
+// A run from a timer or cron has only the exit code to go by, so a failed build ends the process
+// with 1, whether or not someone saw the report.
+void BuildIndexWindow::ReportFailure() {
+    if (quilt::Application* application = quilt::Application::GetCurrent()) {
+        application->SetExitCode(1);
+    }
+    loam::ReportError();
 }
 
 // The writer closes the file without sealing it; the builder goes last, as it still points at

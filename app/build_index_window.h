@@ -29,6 +29,8 @@ private:
     void StartBuild();
     void ShowProgress(uint32_t timerId);
     void DiscardBuild();
+    void CheckWrittenIndex();
+    void ReportFailure();
 
     quilt::EditBox folderLine;
     std::unique_ptr<VolumeIndexBuilder> builder;

@@ -100,15 +100,33 @@ void FileMover::Run(ProgressDialog& runner) {
         }
         return;
     }
+    // A kill from here on leaves the index where the settings say: at both places until the new
+    // one is stored, then at the new one.
+    if (!KeepPlace(true)) {
+        TakeReason();
+        TakeBackCopy();
+        status = StatusNotStored;
+        return;
+    }
     if (source.Delete()) {
         runner.SetProgress(100);
         return;
     }
     TakeReason();
+    // The copy goes back only once the settings name the old place again; otherwise the index
+    // stays at the new place, which they name, and the original is a spare.
+    if (!KeepPlace(false)) {
+        loam::ClearErrors();
+        return;
+    }
+    TakeBackCopy();
+    status = StatusNotRemoved;
+}
+
+void FileMover::TakeBackCopy() {
     if (!destination.Delete()) {
         loam::ClearErrors();
     }
-    status = StatusNotRemoved;
 }
 
 bool FileMover::OnCopyProgress(uint32_t bytesCopied) {

@@ -7,6 +7,7 @@
 #include "quilt/progress_bar.h"
 
 #include <cstdint>
+#include <functional>
 
 class ProgressDialog;
 
@@ -63,7 +64,13 @@ public:
         StatusTargetExists = 3,
         StatusCopyFailed = 4,
         StatusNotRemoved = 5,
+        // The new place could not be stored: the copy was taken back, the original stays in
+        // force.
+        StatusNotStored = 6,
     };
+    // Stores the folder that is to hold the index, the new one (true) or the old one (false);
+    // false, with the error raised, when it cannot.
+    using PlaceKeeper = std::function<bool(bool isNew)>;
 
     // Answers the free bytes, for the caller, of the volume that holds `path`; false when the
     // system cannot tell.
@@ -74,6 +81,10 @@ public:
     // Every mover asks `query` from now on; null asks the volume itself again. A full volume is
     // not something a test can make without the rights to mount one.
     static void SetFreeSpaceQuery(FreeSpaceQuery query);
+    // The index must always be where the settings say: the keeper stores the new place once the
+    // copy is whole and before the original goes, and the old place again if the original
+    // cannot go. Without a keeper the move stores nothing.
+    void SetPlaceKeeper(PlaceKeeper keeper) { keepPlace = std::move(keeper); }
 
     void Prepare() override {}
     void Run(ProgressDialog& runner) override;
@@ -85,6 +96,8 @@ public:
 
 private:
     void TakeReason();
+    void TakeBackCopy();
+    bool KeepPlace(bool isNew) { return !keepPlace || keepPlace(isNew); }
     static FreeSpaceQuery& GetFreeSpaceQuery();
 
     ProgressDialog* dialog = nullptr;
@@ -93,4 +106,5 @@ private:
     uint32_t fileSize = 0;
     int32_t status = StatusNotRun;
     loam::String reason;
+    PlaceKeeper keepPlace;
 };

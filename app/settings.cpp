@@ -8,6 +8,8 @@
 namespace {
 
 loam::FileSpec indexFolder;
+// Why there is no index folder, for the build that needs one.
+loam::String noFolderReason;
 int32_t maxResults = SorvantaSettings::DefaultMaxResults;
 
 // Rounds up to a whole step, then holds the value within the bounds; 64 bits, so that a stored
@@ -20,10 +22,12 @@ int32_t SnapMaxResults(int64_t count) {
 }
 
 // A first run: the index goes to the application's own folder, remembered at once. Without one
-// the folder stays empty and the index file is looked for in the current folder.
+// the folder stays empty, and a build says why rather than write the index anywhere else.
 void TakeHomeFolder(loam::Preferences& preferences) {
+    indexFolder.Clear();
     loam::FileSpec home;
     if (!loam::GetApplicationHomeFolder(home)) {
+        noFolderReason = loam::GetCurrentErrorInfo().GetMessage();
         loam::ClearErrors();
         return;
     }
@@ -33,21 +37,38 @@ void TakeHomeFolder(loam::Preferences& preferences) {
 
 } // namespace
 
+bool IsFullFolder(const loam::FileSpec& folder) {
+    return folder.GetPath().GetCString()[0] == loam::NativeSeparator;
+}
+
 loam::FileSpec SorvantaSettings::GetIndexFolder() {
     return indexFolder;
 }
 
 loam::FileSpec SorvantaSettings::GetIndexFile() {
     loam::FileSpec file(indexFolder);
-    file.Append(IndexFileName);
+    if (!indexFolder.IsEmpty())
+        file.Append(IndexFileName);
     return file;
+}
+
+bool SorvantaSettings::GetIndexFileToWrite(loam::FileSpec& file) {
+    file = GetIndexFile();
+    if (!file.IsEmpty())
+        return true;
+    const loam::String text = "Sorvanta has no private folder to keep its index in (" +
+                              noFolderReason +
+                              "). Set XDG_DATA_HOME or HOME to a folder of your own.";
+    return loam::RaiseError(loam::ErrorNoSpecialFolder, text.GetCString());
 }
 
 void SorvantaSettings::LoadSettings() {
     loam::Preferences& preferences = loam::GetPreferences();
     indexFolder.Clear();
+    noFolderReason.Clear();
     preferences.GetFileSpec(KeyIndexLocation, indexFolder);
-    if (indexFolder.IsEmpty())
+    // A relative folder would be taken from wherever the program was started.
+    if (!IsFullFolder(indexFolder))
         TakeHomeFolder(preferences);
     uint32_t stored = DefaultMaxResults;
     preferences.GetInt(KeyMaxResults, stored);
@@ -63,7 +84,9 @@ void SorvantaSettings::SetMaxResults(int32_t count) {
     loam::GetPreferences().SetInt(KeyMaxResults, static_cast<uint32_t>(maxResults));
 }
 
-void SorvantaSettings::SetIndexFolder(const loam::FileSpec& folder) {
+bool SorvantaSettings::SetIndexFolder(const loam::FileSpec& folder) {
+    if (!loam::GetPreferences().SetFileSpec(KeyIndexLocation, folder))
+        return loam::RaiseError(loam::ErrorWrite, "The settings file could not be written.");
     indexFolder = folder;
-    loam::GetPreferences().SetFileSpec(KeyIndexLocation, indexFolder);
+    return true;
 }

@@ -20,6 +20,9 @@ inline constexpr char KeyDialogWidth[] = "DialogWidth";
 inline constexpr char KeyDialogHeight[] = "DialogHeight";
 inline constexpr char KeyMaximised[] = "Maximised";
 
+// Whether a folder is given from the root of the file system, as the index folder must be.
+bool IsFullFolder(const loam::FileSpec& folder);
+
 // The application-wide settings that live outside any window: the index folder and the limit on
 // the results shown. Both are read from the preferences once, at start. The command-line finder
 // reads them as well, so they need nothing of the toolkit; the application and the options
@@ -32,9 +35,16 @@ public:
 
     static void LoadSettings();
     static loam::FileSpec GetIndexFolder();
+    // Empty when the user has no private folder for the index: never a name in the current
+    // folder, which would depend on where the program was started.
     static loam::FileSpec GetIndexFile();
+    // The index file for a build to write; false with the error raised, saying why, when there
+    // is no folder for it.
+    static bool GetIndexFileToWrite(loam::FileSpec& file);
     static int32_t GetMaxResults();
     // Snaps the count to a multiple of 1,000 between 1,000 and 50,000 and stores it at once.
     static void SetMaxResults(int32_t count);
-    static void SetIndexFolder(const loam::FileSpec& folder);
+    // Stores the folder in the settings; only a stored folder takes effect. False, with the
+    // error raised and the folder in force unchanged, when the settings cannot be written.
+    static bool SetIndexFolder(const loam::FileSpec& folder);
 };

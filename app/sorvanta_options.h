@@ -28,7 +28,7 @@ public:
 
 private:
     // False when the user wants to choose another folder.
-    bool MoveIndex(const loam::FileSpec& oldFile, const loam::FileSpec& newFile);
+    bool MoveIndex(const loam::FileSpec& oldFile, const loam::FileSpec& newFolder);
 
     static const quilt::MessageMapEntry entries[];
 

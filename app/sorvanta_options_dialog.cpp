@@ -2,6 +2,7 @@
 #include "app/resources/string_table.h"
 #include "app/sorvanta_app.h"
 #include "app/sorvanta_options.h"
+#include "loam/error.h"
 #include "quilt/browse_dialog.h"
 #include "quilt/msg_dialog.h"
 #include "quilt/question_dialog.h"
@@ -9,6 +10,11 @@
 namespace {
 
 constexpr char browseCaption[] = "Select index location...";
+constexpr char notFullFolderText[] =
+    "The index location must be a full folder path, beginning with '/': a relative folder would "
+    "depend on where Sorvanta was started.";
+constexpr char notStoredText[] =
+    "The new index location could not be stored in the settings. The index stays where it was.";
 
 struct MoveFailure {
     int32_t status;
@@ -27,8 +33,8 @@ loam::String LoadText(SorvantaString id) {
 }
 
 // The failure's words, and its reason where the mover has one.
-void TellMoveFailure(const FileMover& mover, SorvantaString textId, quilt::Window* parent) {
-    loam::String text = LoadText(textId);
+void TellMoveFailure(const FileMover& mover, const loam::String& failure, quilt::Window* parent) {
+    loam::String text = failure;
     loam::String reason;
     if (mover.GetReason(reason)) {
         loam::String line;
@@ -37,6 +43,21 @@ void TellMoveFailure(const FileMover& mover, SorvantaString textId, quilt::Windo
         text.Append(line);
     }
     quilt::ShowAlert(LoadText(StringMoveFailedTitle), text, parent);
+}
+
+// A folder that the settings refuse stays out of force: the error's words go to the user.
+bool StoreIndexFolder(const loam::FileSpec& folder, quilt::Window* parent) {
+    if (SorvantaApp::SetIndexFolder(folder))
+        return true;
+    loam::String text(notStoredText);
+    loam::String line;
+    loam::FormatResource(loam::StringResource(StringMoveReason), line,
+                         loam::GetCurrentErrorInfo().GetMessage().GetCString());
+    loam::ClearErrors();
+    text.Append("\n\n");
+    text.Append(line);
+    quilt::ShowAlert(LoadText(StringIndexLocationTitle), text, parent);
+    return false;
 }
 
 bool UseNewFolderAnyway() {
@@ -96,32 +117,49 @@ bool SorvantaOptions::OnBrowse() {
     return true;
 }
 
-// The typed folder is compared byte by byte: another case counts as another folder.
+// The typed folder is compared byte by byte: another case counts as another folder. A moved
+// index has its folder stored by the move itself, before the original goes.
 void SorvantaOptions::OnOK() {
     loam::String typed = indexFolderBox.GetContent();
     if (!(typed == SorvantaApp::GetIndexFolder().GetPath())) {
-        loam::FileSpec newFile(typed);
-        newFile.Append(IndexFileName);
-        loam::FileSpec oldFile = SorvantaApp::GetIndexFile();
-        if (oldFile.GetKind() == loam::FileKindFile && !MoveIndex(oldFile, newFile)) {
+        const loam::FileSpec folder(typed);
+        if (!IsFullFolder(folder)) {
+            quilt::ShowAlert(LoadText(StringIndexLocationTitle), loam::String(notFullFolderText),
+                             this);
             return;
         }
-        SetIndexFolder(loam::FileSpec(typed));
+        const loam::FileSpec oldFile = SorvantaApp::GetIndexFile();
+        if (oldFile.GetKind() == loam::FileKindFile && !MoveIndex(oldFile, folder)) {
+            return;
+        }
+        if (!(typed == SorvantaApp::GetIndexFolder().GetPath()) &&
+            !StoreIndexFolder(folder, this)) {
+            return;
+        }
     }
     Dialog::OnOK();
 }
 
-bool SorvantaOptions::MoveIndex(const loam::FileSpec& oldFile, const loam::FileSpec& newFile) {
+bool SorvantaOptions::MoveIndex(const loam::FileSpec& oldFile, const loam::FileSpec& newFolder) {
+    loam::FileSpec newFile(newFolder);
+    newFile.Append(IndexFileName);
     FileMover mover(oldFile, newFile);
+    const loam::FileSpec oldFolder = SorvantaApp::GetIndexFolder();
+    mover.SetPlaceKeeper(
+        [&](bool isNew) { return SorvantaApp::SetIndexFolder(isNew ? newFolder : oldFolder); });
     ProgressDialog progress(&mover, LoadText(StringMovingIndex), nullptr);
     progress.RunModal(true);
     const int32_t status = mover.GetStatus();
     if (status == FileMover::StatusMoved) {
         return true;
     }
+    if (status == FileMover::StatusNotStored) {
+        TellMoveFailure(mover, loam::String(notStoredText), this);
+        return false;
+    }
     for (const MoveFailure& failure : moveFailures) {
         if (failure.status == status) {
-            TellMoveFailure(mover, failure.text, this);
+            TellMoveFailure(mover, LoadText(failure.text), this);
             return UseNewFolderAnyway();
         }
     }

@@ -213,7 +213,9 @@ bool SorvantaWindow::OnBuildIndex() {
 // From here on the index file's name holds the new, unfinished index: the previous one is gone.
 void SorvantaWindow::StartBuild() {
     indexFile = std::make_unique<loam::DiskFile>();
-    writer = BinaryFileIndexWriter::Begin(*indexFile, SorvantaApp::GetIndexFile());
+    loam::FileSpec location;
+    if (SorvantaApp::GetIndexFileToWrite(location))
+        writer = BinaryFileIndexWriter::Begin(*indexFile, location);
     if (writer == nullptr) {
         indexFile.reset();
         loam::ReportError();

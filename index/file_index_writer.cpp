@@ -2,6 +2,7 @@
 
 #include "index/long_name.h"
 #include "loam/disk_file.h"
+#include "loam/error.h"
 
 #include <cstdio>
 #include <cstring>
@@ -18,6 +19,16 @@ const char* const prefixNotFoundTitle = "Prefix not found for...";
 
 } // namespace
 
+bool RaiseBuildInProgress() {
+    return loam::RaiseError(loam::ErrorWrongState,
+                            "The volume indexing system was asked to start indexing when an "
+                            "indexing operation was already in progress.");
+}
+
+loam::FileSpec GetBuildLockFile(const loam::FileSpec& indexFile) {
+    return loam::FileSpec((indexFile.GetPath() + ".lock").GetCString());
+}
+
 WriterAlertHandler SetWriterAlertHandler(WriterAlertHandler handler) {
     const WriterAlertHandler previous = alertHandler;
     alertHandler = handler ? handler : PrintAlert;
@@ -30,10 +41,15 @@ BinaryFileIndexWriter::BinaryFileIndexWriter(loam::File* file) : file(file) {
 
 std::unique_ptr<BinaryFileIndexWriter>
 BinaryFileIndexWriter::Begin(loam::DiskFile& file, const loam::FileSpec& location) {
+    // The new file first: a folder that cannot take it is told by the index's own name. A writer
+    // that goes without its lock closes the new file, which removes it.
     if (!file.CreateBeside(location))
         return nullptr;
     auto writer = std::make_unique<BinaryFileIndexWriter>(&file);
-    if (!file.PutInPlace())
+    const loam::FileLock::Outcome outcome = writer->buildLock.Take(GetBuildLockFile(location));
+    if (outcome == loam::FileLock::Outcome::HeldElsewhere)
+        RaiseBuildInProgress();
+    if (outcome != loam::FileLock::Outcome::Taken || !file.PutInPlace())
         return nullptr;
     writer->sidecar = std::make_unique<trigram::SidecarWriter>();
     writer->location = location;
@@ -65,6 +81,7 @@ void BinaryFileIndexWriter::Finish() {
     if (sidecar)
         sidecar->Write(location);
     sidecar.reset();
+    buildLock.Release();
 }
 
 void BinaryFileIndexWriter::AddEntry(IndexRecordKind kind, const loam::FileSpec& path,

@@ -4,6 +4,7 @@
 #include "index/trigram_sidecar.h"
 #include "loam/date_time.h"
 #include "loam/file.h"
+#include "loam/file_lock.h"
 #include "loam/file_spec.h"
 #include "loam/string.h"
 
@@ -30,6 +31,14 @@ public:
     }
 };
 
+// The error of a build asked to start while another build of the same index goes on; the first
+// build goes on.
+bool RaiseBuildInProgress();
+// The lock file that a build of `indexFile` holds while it writes it. It lies beside the index
+// because the index's name is taken over by a new file at the start of every build: a second
+// build and the finder open the lock by its name and so meet the lock of the build under way.
+loam::FileSpec GetBuildLockFile(const loam::FileSpec& indexFile);
+
 // How the writer tells the user of a fault in the order of the walk; the application points
 // it at its alert box. The default prints to standard error.
 using WriterAlertHandler = void (*)(const char* title, const char* text);
@@ -45,8 +54,10 @@ public:
     // Starts the index file of a build at `location`: a new file, made beside the name, takes
     // the name's place as soon as its unfinished header is on the disk. So the name holds a
     // loadable index at every moment, the old one until here and the unfinished one from here
-    // until Finish seals it, and a reader of the old one keeps it whole. Null, with the error
-    // raised and the new file removed, when it cannot be made.
+    // until Finish seals it, and a reader of the old one keeps it whole. One build at a time per
+    // index file, across processes: the writer holds the index's build lock until it is sealed
+    // or destroyed. Null, with the error raised and the new file removed, when it cannot be made
+    // or another build holds the lock.
     static std::unique_ptr<BinaryFileIndexWriter> Begin(loam::DiskFile& file,
                                                         const loam::FileSpec& location);
     BinaryFileIndexWriter(const BinaryFileIndexWriter&) = delete;
@@ -80,6 +91,7 @@ private:
     IndexFileHeader header{IndexFormatVersion, 1, 0};
     loam::File* file;
     std::map<loam::String, int32_t> folders;
+    loam::FileLock buildLock;
     loam::String cachedParent;
     int32_t cachedOrdinal = -1;
     uint32_t folderLookups = 0;

@@ -19,11 +19,8 @@ VolumeIndexBuilder::VolumeIndexBuilder(IndexBuilderMonitor* monitor) : monitor(m
 VolumeIndexBuilder::~VolumeIndexBuilder() = default;
 
 bool VolumeIndexBuilder::Start(FileIndexWriter* newWriter) {
-    if (writer) {
-        return loam::RaiseError(loam::ErrorWrongState,
-                                "The volume indexing system was asked to start indexing when an "
-                                "indexing operation was already in progress.");
-    }
+    if (writer)
+        return RaiseBuildInProgress();
     finished = false;
     writer = newWriter;
     EnableIdle();

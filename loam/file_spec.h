@@ -73,6 +73,9 @@ public:
     // What the path names in the file system. These never raise.
     FileKind GetKind() const;
     uint32_t GetFileSize() const;
+    // Whether both paths reach one and the same file, however each is spelt (links, "..",
+    // another name of a hard link); false where either reaches nothing.
+    bool IsSameFile(const FileSpec& other) const;
 
     bool GetModifiedTime(DateTime& out) const;
     FileStamp GetStamp() const;

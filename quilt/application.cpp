@@ -306,7 +306,7 @@ int RunProcess(Application* (*create)(), int argc, char** argv) {
     application->ProcessCommandLine();
     application->Run();
     application->Shutdown();
-    return 0;
+    return application->GetExitCode();
 }
 
 } // namespace quilt

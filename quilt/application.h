@@ -179,6 +179,11 @@ public:
     void AddIdleHandler(IdleHandler* handler);
     void RemoveIdleHandler(IdleHandler* handler);
 
+    // What the process gives back at its end: 0 unless a window set another code, for a run
+    // whose caller reads it.
+    void SetExitCode(int code) { exitCode = code; }
+    int GetExitCode() const { return exitCode; }
+
 protected:
     // Set by a derived class in its constructor.
     loam::ResourceId titleResource{loam::ResourceKindString, 0};
@@ -212,6 +217,7 @@ private:
     static inline Application* current = nullptr;
     static inline std::unique_ptr<Window>* currentMainWindow = nullptr;
 
+    int exitCode = 0;
     bool trayActive = false;
     bool overrideActive = false;
     uint32_t overrideCommand = 0;
@@ -226,7 +232,7 @@ void NoteUserInput(uint32_t time);
 void QuitApplication();
 
 // The process: makes the application with `create`, starts it, runs the loop, shuts down.
-// The exit code is 0 in every case.
+// The exit code is the application's, 0 unless a window set another.
 int RunProcess(Application* (*create)(), int argc, char** argv);
 
 } // namespace quilt

@@ -3,6 +3,7 @@
 #include "index/long_name.h"
 #include "loam/error.h"
 #include "search/candidate_search.h"
+#include "tools/index_state.h"
 #include "tools/paths_in_order.h"
 
 #include <sys/stat.h>
@@ -26,7 +27,15 @@ FinderSearch::Outcome FinderSearch::Run(const loam::FileSpec& indexFile) {
                                              query.isRegExp, query.autoWildcards))
         return SiftCandidates();
     const bool keeps = !query.countOnly || sifts || query.matchPath;
-    if (!index.Scan(indexFile, keeps ? ScanMatches::Kept : ScanMatches::Counted))
+    const bool scanned = index.Scan(indexFile, keeps ? ScanMatches::Kept : ScanMatches::Counted);
+    // An index under build or left unfinished is no answer; why goes in place of the loader's
+    // words.
+    if (const char* reason = GetUnfinishedIndexReason(indexFile, scanned, index)) {
+        loam::ClearErrors();
+        loam::RaiseError(loam::ErrorGeneral, reason);
+        return Outcome::IndexFailed;
+    }
+    if (!scanned)
         return Outcome::IndexFailed;
     const bool started = Start();
     bool searching = started;

@@ -12,6 +12,7 @@
 #include "search/index_searcher.h"
 #include "tools/finder_search.h"
 #include "tools/index_list.h"
+#include "tools/index_state.h"
 #include "tools/paths_in_order.h"
 
 #include <getopt.h>
@@ -72,6 +73,7 @@ const char helpText[] =
 
 const char noIndexText[] = "No index available.";
 const char gaveUpText[] = "the expression was too complex for a name, and the search stopped there";
+const char dumpOntoIndexText[] = "the dump would take the place of the index it is made from";
 
 enum Action { ActionSearch, ActionStatus, ActionDump, ActionHelp, ActionVersion };
 
@@ -380,6 +382,12 @@ bool DumpToStandardOutput(Output& output, const IndexData& index) {
     return true;
 }
 
+// Whether writing `output` would replace one of the indexes, whatever the spelling of the paths.
+bool IsAnyOf(const loam::FileSpec& output, const std::vector<loam::FileSpec>& indexes) {
+    return std::any_of(indexes.begin(), indexes.end(),
+                       [&output](const loam::FileSpec& index) { return output.IsSameFile(index); });
+}
+
 // The same lines as the index's own dump, but a file that cannot be made or filled, a full disk
 // above all, is told in the system's words; the file takes its name only once it is whole. Of
 // several indexes each follows the one before; the first that fails ends the dump.
@@ -388,12 +396,20 @@ int RunDump(const Request& request) {
     const bool toStandardOutput = std::strcmp(request.dumpFile, "-") == 0;
     Output output;
     loam::DiskFile file;
+    if (!toStandardOutput && IsAnyOf(loam::FileSpec(request.dumpFile), files))
+        return Fail(dumpOntoIndexText);
     if (!toStandardOutput && !file.CreateBeside(loam::FileSpec(request.dumpFile)))
         return FailWithTopError();
     for (const loam::FileSpec& indexFile : files) {
         const IndexLabel label(indexFile, files.size());
         IndexData index;
-        if (!LoadIndex(index, indexFile)) {
+        const bool loaded = LoadIndex(index, indexFile);
+        if (const char* reason = GetUnfinishedIndexReason(indexFile, loaded, index)) {
+            loam::ClearErrors();
+            output.Finish();
+            return Fail(reason);
+        }
+        if (!loaded) {
             output.Finish();
             return FailWithTopError();
         }

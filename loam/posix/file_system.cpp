@@ -121,6 +121,13 @@ FileStamp FileSpec::GetStamp() const {
                          status.st_mtim.tv_nsec};
 }
 
+bool FileSpec::IsSameFile(const FileSpec& other) const {
+    struct stat mine {};
+    struct stat theirs {};
+    return Stat(*this, mine) && Stat(other, theirs) && mine.st_dev == theirs.st_dev &&
+           mine.st_ino == theirs.st_ino;
+}
+
 bool FileSpec::GetModifiedTime(DateTime& out) const {
     struct stat status {};
     if (!Stat(*this, status))

@@ -193,12 +193,13 @@ bool GetConfigFolder(String& out) {
         out = config;
         return true;
     }
+    // A relative home would put the settings wherever the program was started.
     const char* home = std::getenv("HOME");
-    if (!home || !*home) {
+    if (!home || home[0] != '/') {
         const passwd* user = ::getpwuid(::getuid());
         home = user ? user->pw_dir : nullptr;
     }
-    if (!home || !*home)
+    if (!home || home[0] != '/')
         return false;
     out = home;
     out += "/.config";

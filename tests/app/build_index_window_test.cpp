@@ -2,12 +2,15 @@
 #include "index/index_data.h"
 #include "index/index_status.h"
 #include "loam/disk_file.h"
+#include "loam/file_lock.h"
+#include "quilt/error_dialog.h"
 #include "sorvanta_run.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <functional>
+#include <list>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -122,7 +125,7 @@ TEST_F(BuildIndexWindowTest, AFailedOpenIsNotTriedAgainWhileItsReportIsUp) {
 }
 
 // A headless run has nobody to dismiss a report: it is told once on standard error, and the
-// program ends without an index.
+// program ends without an index, with the exit code of a failure.
 TEST_F(SorvantaFolderTest, AHeadlessRunReportsAFailedOpenOnceAndEnds) {
     MakeFile("blocked", "");
     StoreIndexFolder("blocked/index");
@@ -137,10 +140,91 @@ TEST_F(SorvantaFolderTest, AHeadlessRunReportsAFailedOpenOnceAndEnds) {
                                        const_cast<char**>(arguments));
     const std::string said = testing::internal::GetCapturedStderr();
 
-    EXPECT_EQ(code, 0);
+    EXPECT_EQ(code, 1);
     const size_t first = said.find(message);
     ASSERT_NE(first, std::string::npos) << said;
     EXPECT_EQ(said.find(message, first + 1), std::string::npos) << said;
+}
+
+// A build whose index does not load at its end is a failure that the user sees in the error
+// report, and a caller by the exit code.
+TEST_F(BuildIndexWindowTest, AnIndexThatDoesNotLoadAfterTheBuildIsReported) {
+    MakeFiles("tree/many", 1200);
+    std::string said;
+    driver.OnNextModal([&](quilt::Dialog& report) {
+        said = static_cast<quilt::ErrorDialog&>(report).GetError()->GetMessage().GetCString();
+        driver.Click(report, 1001);
+    });
+    ASSERT_TRUE(Start("/buildindex"));
+    ASSERT_TRUE(RunFirstSlice());
+    std::filesystem::remove_all(Path("data"));
+    EXPECT_TRUE(driver.RunUntilIdle());
+    EXPECT_TRUE(driver.HasQuit());
+    EXPECT_EQ(said, "The index file was not found.");
+    EXPECT_EQ(application->GetExitCode(), 1);
+
+    // A build that loads ends well.
+    application.reset();
+    MakeFiles("data/Wendlemark/Sorvanta", 0);
+    ASSERT_TRUE(Start("/buildindex"));
+    EXPECT_TRUE(driver.RunUntilIdle());
+    EXPECT_EQ(application->GetExitCode(), 0);
+    EXPECT_EQ(State(), IndexFileState::Good);
+}
+
+// The headless run, from a timer or cron: each way a build can fail is told on standard error and
+// ends the process with 1, and no index is written anywhere else.
+TEST_F(SorvantaFolderTest, AHeadlessBuildThatFailsSaysWhyAndExitsWithOne) {
+    const std::string indexFolder = "data/Wendlemark/Sorvanta";
+    const struct {
+        const char* name;
+        std::function<void(std::list<ScopedEnvironment>&, loam::FileLock&)> arrange;
+        const char* said;
+    } cases[] = {
+        {"a full disk",
+         [&](auto&, auto&) {
+             std::filesystem::create_directories(Path(indexFolder));
+             std::filesystem::create_symlink("/dev/full", Path(indexName));
+         },
+         "The application was unable to write to a file because there is insufficient space "
+         "available."},
+        {"another build of the index",
+         [&](auto&, loam::FileLock& lock) {
+             std::filesystem::create_directories(Path(indexFolder));
+             lock.Take(FileAt(std::string(indexName) + ".lock"));
+         },
+         "The volume indexing system was asked to start indexing when an indexing operation was "
+         "already in progress."},
+        {"no private data folder",
+         [&](std::list<ScopedEnvironment>& variables, auto&) {
+             MakeFile("not-a-folder", "");
+             variables.emplace_back("XDG_DATA_HOME", Path("not-a-folder/data").c_str());
+             variables.emplace_back("HOME", nullptr);
+         },
+         "Sorvanta has no private folder to keep its index in (Couldn't get application home "
+         "folder). Set XDG_DATA_HOME or HOME to a folder of your own."},
+    };
+    const char* arguments[] = {"sorvanta", "/buildindex"};
+    const std::filesystem::path started = std::filesystem::current_path();
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::filesystem::remove_all(Path("data"));
+        std::filesystem::remove_all(Path("config"));
+        std::filesystem::create_directories(Path("here"));
+        std::filesystem::current_path(Path("here"));
+        std::list<ScopedEnvironment> variables;
+        loam::FileLock lock;
+        c.arrange(variables, lock);
+        testing::internal::CaptureStderr();
+        const int code = quilt::RunProcess([]() -> quilt::Application* { return new SorvantaApp; },
+                                           2, const_cast<char**>(arguments));
+        const std::string said = testing::internal::GetCapturedStderr();
+        std::filesystem::current_path(started);
+        EXPECT_EQ(code, 1);
+        EXPECT_NE(said.find(c.said), std::string::npos) << said;
+        EXPECT_TRUE(std::filesystem::is_empty(Path("here")));
+        loam::ClearErrors();
+    }
 }
 
 } // namespace

@@ -248,4 +248,102 @@ TEST_F(SorvantaOptionsTest, AMoveCancelledHalfWayLeavesTheIndexInPlace) {
     }
 }
 
+// The index is always where the settings say. A folder that is not a full path is refused before
+// anything moves; a new folder that the settings cannot store leaves the index, the settings and
+// the folder in force as they were, with the user told why.
+TEST_F(SorvantaOptionsTest, TheIndexStaysWhereTheSettingsSay) {
+    constexpr char notFull[] = "Index Location...: The index location must be a full folder path, "
+                               "beginning with '/': a relative folder would depend on where "
+                               "Sorvanta was started.";
+    constexpr char notStored[] = "The new index location could not be stored in the settings. "
+                                 "The index stays where it was.\n\n(Reason: The settings file "
+                                 "could not be written.)";
+    const struct {
+        const char* name;
+        bool oldIndex;
+        std::string typed;
+        bool settingsAFolder;
+        Texts said;
+    } cases[] = {
+        {"an empty folder", true, "", false, {notFull}},
+        {"a relative folder", true, "new", false, {notFull}},
+        {"a relative folder, no index", false, "./new", false, {notFull}},
+        {"settings that cannot be written, with an index to move",
+         true,
+         Path("new"),
+         true,
+         {std::string("Unable to move index file...: ") + notStored}},
+        {"settings that cannot be written, no index",
+         false,
+         Path("new"),
+         true,
+         {std::string("Index Location...: ") + notStored}},
+    };
+    const std::string settingsFile = "config/Wendlemark/Sorvanta.conf";
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::filesystem::remove_all(Path("config"));
+        std::filesystem::remove(Path("old/sorvanta.idx"));
+        StoreIndexFolder("old");
+        if (c.oldIndex)
+            MakeFile("old/sorvanta.idx", "the index");
+        StartWindow();
+        if (c.settingsAFolder) {
+            std::filesystem::remove(Path(settingsFile));
+            std::filesystem::create_directories(Path(settingsFile));
+        }
+        Said said;
+        InOptions([&](quilt::Dialog& options) {
+            ChooseFolder(options, c.typed);
+            if (c.oldIndex && c.settingsAFolder)
+                driver.OnNextModal([](quilt::Dialog&) {});
+            Answer(AlertOkId, said);
+        });
+        EXPECT_EQ(said.messages, c.said);
+        EXPECT_EQ(IndexFolder(), Path("old"));
+        EXPECT_EQ(Exists("old/sorvanta.idx"), c.oldIndex);
+        EXPECT_FALSE(Exists(movedFile));
+        application.reset();
+        std::filesystem::remove_all(Path("config"));
+    }
+}
+
+// The new folder is stored while the index stands at both places, so a kill between two steps
+// leaves the settings naming a folder that holds it; the original goes only after that.
+TEST_F(SorvantaOptionsTest, TheNewFolderIsStoredBeforeTheOriginalGoes) {
+    MakeFile("old/sorvanta.idx", "the index");
+    StartWindow();
+    const struct {
+        const char* name;
+        bool stored;
+        int32_t status;
+        bool oldAfter, newAfter;
+    } cases[] = {
+        {"stored", true, FileMover::StatusMoved, false, true},
+        {"not stored", false, FileMover::StatusNotStored, true, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        if (!Exists("old/sorvanta.idx"))
+            std::filesystem::rename(Path(movedFile), Path("old/sorvanta.idx"));
+        FileMover mover(FileAt("old/sorvanta.idx"), FileAt(movedFile));
+        std::vector<std::pair<bool, bool>> seen;
+        mover.SetPlaceKeeper([&](bool isNew) {
+            seen.emplace_back(Exists("old/sorvanta.idx"), Exists(movedFile));
+            EXPECT_TRUE(isNew);
+            return c.stored || loam::RaiseError(loam::ErrorWrite, "no room for settings");
+        });
+        ProgressDialog progress(&mover, loam::String("Moving"), nullptr);
+        driver.OnNextModal([](quilt::Dialog&) {});
+        progress.RunModal(true);
+        EXPECT_EQ(mover.GetStatus(), c.status);
+        EXPECT_EQ(seen, (std::vector<std::pair<bool, bool>>{{true, true}}));
+        EXPECT_EQ(Exists("old/sorvanta.idx"), c.oldAfter);
+        EXPECT_EQ(Exists(movedFile), c.newAfter);
+        loam::String reason;
+        EXPECT_EQ(mover.GetReason(reason), !c.stored);
+        EXPECT_EQ(loam::GetCurrentErrorCode(), loam::ErrorNone);
+    }
+}
+
 } // namespace

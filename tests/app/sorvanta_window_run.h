@@ -17,7 +17,7 @@ protected:
     void SetUp() override {
         SorvantaRunTest::SetUp();
         // The base puts the variable back after the test.
-        setenv("QUILT_PLATFORM", "offscreen", 1);
+        environment.emplace_back("QUILT_PLATFORM", "offscreen");
     }
 
     void StartWindow() {

@@ -5,6 +5,8 @@
 #include <chrono>
 #include <csignal>
 #include <fcntl.h>
+#include <filesystem>
+#include <functional>
 #include <random>
 #include <sys/wait.h>
 #include <thread>
@@ -76,6 +78,78 @@ TEST_F(VolumeIndexBuilderTest, ASecondStartIsRefused) {
     ExpectError(6, "The volume indexing system was asked to start indexing when an indexing "
                    "operation was already in progress.");
     EXPECT_TRUE(other.entries.empty());
+}
+
+// One build at a time per index file, in this process or another: a second build is refused
+// with the error of a second start, leaves the first build's file at the name, and can start as
+// soon as the first is sealed, abandoned or killed.
+TEST_F(VolumeIndexBuilderTest, OneBuildAtATimePerIndexFile) {
+    const loam::FileSpec index((root + "/sorvanta.idx").c_str());
+    constexpr int busy = 6;
+    // Begins a second build in a child process; its exit code is the error it met, 0 for none.
+    const auto beginElsewhere = [&index] {
+        const pid_t child = fork();
+        if (child == 0) {
+            loam::DiskFile disk;
+            const bool begun = BinaryFileIndexWriter::Begin(disk, index) != nullptr;
+            _exit(begun ? 0 : static_cast<int>(loam::GetCurrentErrorCode()));
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    };
+    // A first build that holds the index until `end` ends it.
+    const struct {
+        const char* name;
+        std::function<void(std::unique_ptr<BinaryFileIndexWriter>&)> end;
+    } endings[] = {
+        {"sealed", [](auto& writer) { writer->Finish(); }},
+        {"abandoned", [](auto& writer) { writer.reset(); }},
+    };
+    for (const auto& ending : endings) {
+        SCOPED_TRACE(ending.name);
+        loam::DiskFile first;
+        auto writer = BinaryFileIndexWriter::Begin(first, index);
+        ASSERT_NE(writer, nullptr);
+        writer->AddRoot(loam::FileSpec(root.c_str()), 0);
+        loam::DiskFile second;
+        EXPECT_EQ(BinaryFileIndexWriter::Begin(second, index), nullptr);
+        ExpectError(busy, "The volume indexing system was asked to start indexing when an "
+                          "indexing operation was already in progress.");
+        EXPECT_EQ(beginElsewhere(), busy);
+        // The refused builds left nothing beside the index, and the first goes on.
+        // A new file is made as the index's name, a dot and six letters.
+        const std::string newFile = "sorvanta.idx.XXXXXX";
+        for (const auto& entry : std::filesystem::directory_iterator(root)) {
+            const std::string name = entry.path().filename().string();
+            EXPECT_FALSE(name.size() == newFile.size() && name.rfind("sorvanta.idx.", 0) == 0)
+                << name;
+        }
+        ending.end(writer);
+        EXPECT_EQ(beginElsewhere(), 0);
+    }
+
+    // A builder killed in the middle of its build holds nothing any more.
+    int ready[2];
+    ASSERT_EQ(pipe(ready), 0);
+    const pid_t builder = fork();
+    if (builder == 0) {
+        loam::DiskFile disk;
+        const auto writer = BinaryFileIndexWriter::Begin(disk, index);
+        const char began = writer ? 'y' : 'n';
+        if (write(ready[1], &began, 1) == 1)
+            pause();
+        _exit(1);
+    }
+    char began = 0;
+    ASSERT_EQ(read(ready[0], &began, 1), 1);
+    EXPECT_EQ(began, 'y');
+    EXPECT_EQ(beginElsewhere(), busy);
+    ::kill(builder, SIGKILL);
+    waitpid(builder, nullptr, 0);
+    close(ready[0]);
+    close(ready[1]);
+    EXPECT_EQ(beginElsewhere(), 0);
 }
 
 // A build killed at any moment leaves an index that loads: the earlier one until the new file

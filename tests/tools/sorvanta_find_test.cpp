@@ -2,6 +2,8 @@
 #include "index/index_data.h"
 #include "index/volume_index_builder.h"
 #include "loam/disk_file.h"
+#include "loam/file_lock.h"
+#include "search/index_searcher.h"
 #include "tools/finder_process.h"
 
 #include <chrono>
@@ -267,6 +269,112 @@ TEST_F(SorvantaFindTest, LongNamesArePrintedAsTheyAreOnTheDisk) {
         EXPECT_EQ(outcome.out, printed) << arguments.back();
         EXPECT_EQ(outcome.err, "") << arguments.back();
     }
+}
+
+// However the dump's file is named, it never takes the place of the index it is made from: the
+// index stays whole and loads as before.
+TEST_F(SorvantaFindTest, ADumpNeverReplacesItsIndex) {
+    const std::string index = Path("index.idx");
+    const std::string before = ReadWhole("index.idx");
+    std::filesystem::create_directories(Path("sub"));
+    std::filesystem::create_symlink(index, Path("link.idx"));
+    std::filesystem::create_hard_link(index, Path("hard.idx"));
+    const std::string refused = Said("the dump would take the place of the index it is made from");
+    const std::pair<std::vector<std::string>, std::string> cases[] = {
+        {{"-d", index, "--dump", index}, refused},
+        {{"-d", index, "--dump", Path("sub/../index.idx")}, refused},
+        {{"-d", index, "--dump", Path("link.idx")}, refused},
+        {{"-d", index, "--dump", Path("hard.idx")}, refused},
+        {{"-d", Path("link.idx"), "--dump", index}, refused},
+        {{"-d", index, "--dump", Path("index.idx.txt")}, ""},
+    };
+    for (const auto& [arguments, said] : cases) {
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        const Outcome outcome = Run(arguments);
+        EXPECT_EQ(outcome.exitCode, said.empty() ? 0 : 2);
+        EXPECT_EQ(outcome.err, said);
+        EXPECT_EQ(ReadWhole("index.idx"), before);
+    }
+    EXPECT_TRUE(std::filesystem::is_symlink(Path("link.idx")));
+    EXPECT_EQ(ReadWhole("hard.idx"), before);
+}
+
+// An index that a build is writing, or that a build left unfinished, is no answer: the finder says
+// which, and never "nothing matched".
+TEST_F(SorvantaFindTest, AnIndexUnderBuildOrLeftUnfinishedIsAnError) {
+    const std::string index = Path("index.idx");
+    const std::string rebuilt = Said("the index is being rebuilt");
+    const std::string incomplete = Said("the index is incomplete; run 'sorvanta /buildindex'");
+    const std::vector<std::vector<std::string>> questions = {{"-d", index, "*"},
+                                                             {"-d", index, "-c", "nothing"},
+                                                             {"-d", index, "-r", "x"},
+                                                             {"-d", index, "--dump", "-"}};
+    const auto ask = [&](const std::string& expected) {
+        for (const auto& arguments : questions) {
+            SCOPED_TRACE(testing::PrintToString(arguments));
+            const Outcome outcome = Run(arguments);
+            EXPECT_EQ(outcome.exitCode, 2);
+            EXPECT_EQ(outcome.out, "");
+            EXPECT_EQ(outcome.err, expected);
+        }
+    };
+    loam::DiskFile file;
+    auto writer = BinaryFileIndexWriter::Begin(file, FileAt("index.idx"));
+    ASSERT_NE(writer, nullptr);
+    writer->AddRoot(FileAt("tree"), 0);
+    {
+        SCOPED_TRACE("during the build");
+        ask(rebuilt);
+    }
+    writer.reset();
+    {
+        SCOPED_TRACE("after a cancelled build");
+        ask(incomplete);
+    }
+    {
+        SCOPED_TRACE("a file that does not load while a build holds the lock");
+        loam::FileLock lock;
+        ASSERT_EQ(lock.Take(loam::FileSpec((index + ".lock").c_str())),
+                  loam::FileLock::Outcome::Taken);
+        MakeFile("index.idx", "");
+        ask(rebuilt);
+    }
+}
+
+// A name on which the expression library gives up ends the pass, as in the window: the finder
+// prints what the window shows, then says that the search stopped, with the exit code of an error,
+// though a match was printed.
+TEST_F(SorvantaFindTest, AnExpressionGivenUpOnANameIsAnError) {
+    // A root of a short name, so that the pass finds something before the long name.
+    const std::string deep = "/r/" + std::string(200, 'd');
+    {
+        loam::DiskFile file;
+        ASSERT_TRUE(file.OpenFile(FileAt("index.idx"), loam::FileModeWrite));
+        BinaryFileIndexWriter writer(&file);
+        writer.AddRoot(loam::FileSpec("/r"), 0);
+        writer.AddFile(loam::FileSpec("/r/a.pdf"), 1, 0);
+        writer.AddFolder(loam::FileSpec(deep.c_str()), 0);
+        writer.AddFile(loam::FileSpec((deep + "/b.pdf").c_str()), 1, 0);
+        writer.AddFile(loam::FileSpec("/r/c.pdf"), 1, 0);
+        writer.Finish();
+    }
+    const char pattern[] = "(.*)+\\.pdf";
+    IndexData loaded;
+    ASSERT_TRUE(loaded.Load(FileAt("index.idx")));
+    IndexSearcher searcher;
+    ASSERT_TRUE(searcher.Start(&loaded, pattern, true, false));
+    searcher.RunToEnd(nullptr);
+    ASSERT_FALSE(searcher.Rewind()) << "the library did not give up";
+    std::string shown;
+    for (int32_t i = 0; i < loaded.GetResultCount(); ++i)
+        shown += std::string(loaded.GetResultPath(i).GetCString()) + "\n";
+    EXPECT_EQ(shown, "/r/a.pdf\n");
+
+    const Outcome outcome = Run({"-d", Path("index.idx"), "-r", pattern});
+    EXPECT_EQ(outcome.exitCode, 2);
+    EXPECT_EQ(outcome.out, shown);
+    EXPECT_EQ(outcome.err,
+              Said("the expression was too complex for a name, and the search stopped there"));
 }
 
 } // namespace
