@@ -23,16 +23,7 @@ class ResultActionsTest : public SorvantaWindowTest {
 protected:
     void SetUp() override {
         SorvantaWindowTest::SetUp();
-        std::filesystem::create_directories(Path("config"));
-        std::filesystem::create_directories(Path("data/applications"));
-        MakeFile("recorder", "#!/bin/sh\nprintf '%s\\n' \"$1\" >> \"$0.log\"\n");
-        std::filesystem::permissions(Path("recorder"), std::filesystem::perms::owner_all);
-        MakeFile("config/mimeapps.list", "[Default Applications]\n"
-                                         "inode/directory=recorder.desktop\n"
-                                         "text/plain=recorder.desktop\n");
-        MakeFile("data/applications/recorder.desktop",
-                 "[Desktop Entry]\nType=Application\nName=Recorder\nExec=" + Path("recorder") +
-                     " %u\nMimeType=inode/directory;text/plain;\n");
+        RecordLaunches({"inode/directory", "text/plain"});
     }
 
     // The lines that the recorder has written by the time it has written `count`.

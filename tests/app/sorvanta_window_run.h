@@ -7,6 +7,7 @@
 #include "quilt/msg_dialog.h"
 #include "sorvanta_run.h"
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,24 @@ protected:
         driver.RunUntilIdle();
         application.reset();
         StartWindow();
+    }
+    // Makes the desktop's default application for each of `mimeTypes` a small program that
+    // writes down what it was given, one a line, in "recorder.log".
+    void RecordLaunches(const std::vector<std::string>& mimeTypes) const {
+        std::filesystem::create_directories(Path("config"));
+        std::filesystem::create_directories(Path("data/applications"));
+        MakeFile("recorder", "#!/bin/sh\nprintf '%s\\n' \"$1\" >> \"$0.log\"\n");
+        std::filesystem::permissions(Path("recorder"), std::filesystem::perms::owner_all);
+        std::string defaults = "[Default Applications]\n";
+        std::string types;
+        for (const std::string& type : mimeTypes) {
+            defaults += type + "=recorder.desktop\n";
+            types += type + ";";
+        }
+        MakeFile("config/mimeapps.list", defaults);
+        MakeFile("data/applications/recorder.desktop",
+                 "[Desktop Entry]\nType=Application\nName=Recorder\nExec=" + Path("recorder") +
+                     " %u\nMimeType=" + types + "\n");
     }
     quilt::Dialog* Main() const { return driver.FindDialog(DialogMainWindow); }
     std::string Text(int32_t id) const { return driver.GetControlText(*Main(), id).GetCString(); }

@@ -156,15 +156,7 @@ protected:
     // The desktop's handler for folders is a small program that writes down what it was given.
     void SetUp() override {
         SorvantaWindowTest::SetUp();
-        std::filesystem::create_directories(Path("config"));
-        std::filesystem::create_directories(Path("data/applications"));
-        MakeFile("recorder", "#!/bin/sh\nprintf '%s\\n' \"$1\" >> \"$0.log\"\n");
-        std::filesystem::permissions(Path("recorder"), std::filesystem::perms::owner_all);
-        MakeFile("config/mimeapps.list",
-                 "[Default Applications]\ninode/directory=recorder.desktop\n");
-        MakeFile("data/applications/recorder.desktop",
-                 "[Desktop Entry]\nType=Application\nName=Recorder\nExec=" + Path("recorder") +
-                     " %u\nMimeType=inode/directory;\n");
+        RecordLaunches({"inode/directory"});
     }
 
     // Double-clicks the first row and gives the line that the handler then wrote down.
