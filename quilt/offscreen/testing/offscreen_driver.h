@@ -192,6 +192,8 @@ private:
                    std::optional<uint32_t> at);
     void PostMouseToControl(Dialog& dialog, int32_t id, OffscreenMessageKind kind, Point point,
                             std::optional<uint32_t> at);
+    // A left click at `point` of the control: the press, then the release.
+    void PressAndRelease(Dialog& dialog, int32_t id, Point point, std::optional<uint32_t> at);
 
     void PostToControl(Dialog& dialog, int32_t id, OffscreenMessage message,
                        std::optional<uint32_t> at);

@@ -21,15 +21,19 @@ void OffscreenDriver::PostMouseToControl(Dialog& dialog, int32_t id, OffscreenMe
     PostToControl(dialog, id, message, at);
 }
 
+void OffscreenDriver::PressAndRelease(Dialog& dialog, int32_t id, Point point,
+                                      std::optional<uint32_t> at) {
+    PostMouseToControl(dialog, id, OffscreenMessageKind::MouseDown, point, at);
+    PostMouseToControl(dialog, id, OffscreenMessageKind::MouseUp, point, at);
+}
+
 void OffscreenDriver::ClickColumnHeader(Dialog& dialog, int32_t id, int32_t column,
                                         std::optional<uint32_t> at) {
     OffscreenListView* list = AsListView(FindControl(dialog, id));
     if (list == nullptr) {
         return;
     }
-    Point point = list->GetHeaderPoint(column);
-    PostMouseToControl(dialog, id, OffscreenMessageKind::MouseDown, point, at);
-    PostMouseToControl(dialog, id, OffscreenMessageKind::MouseUp, point, at);
+    PressAndRelease(dialog, id, list->GetHeaderPoint(column), at);
 }
 
 void OffscreenDriver::ClickRow(Dialog& dialog, int32_t id, int32_t row,
@@ -38,9 +42,7 @@ void OffscreenDriver::ClickRow(Dialog& dialog, int32_t id, int32_t row,
     if (list == nullptr) {
         return;
     }
-    Point point = list->GetRowPoint(row);
-    PostMouseToControl(dialog, id, OffscreenMessageKind::MouseDown, point, at);
-    PostMouseToControl(dialog, id, OffscreenMessageKind::MouseUp, point, at);
+    PressAndRelease(dialog, id, list->GetRowPoint(row), at);
 }
 
 void OffscreenDriver::DoubleClickRow(Dialog& dialog, int32_t id, int32_t row,
@@ -61,9 +63,7 @@ void OffscreenDriver::ClickCheckBox(Dialog& dialog, int32_t id, int32_t row,
     if (list == nullptr) {
         return;
     }
-    Point point = list->GetCheckBoxPoint(row);
-    PostMouseToControl(dialog, id, OffscreenMessageKind::MouseDown, point, at);
-    PostMouseToControl(dialog, id, OffscreenMessageKind::MouseUp, point, at);
+    PressAndRelease(dialog, id, list->GetCheckBoxPoint(row), at);
 }
 
 int32_t OffscreenDriver::GetRowCount(Dialog& dialog, int32_t id) const {
