@@ -30,6 +30,8 @@ constexpr uint32_t PageLandmarks = 1024;
 constexpr uint32_t BucketKeys = 128;
 constexpr uint32_t MaxBuckets = 1 << 20;
 constexpr uint32_t MaxBlockBytes = BlockRecords * (sizeof(IndexRecord) + UINT8_MAX);
+constexpr uint32_t ReadGapBytes = 4096;
+constexpr uint32_t MaxReadBytes = 1 << 18;
 
 #pragma pack(push, 1)
 struct Header {
@@ -416,13 +418,38 @@ struct Sidecar::State {
     std::unordered_map<uint32_t, std::vector<uint32_t>> pages;
     std::vector<uint64_t> pageSums;
     std::vector<Entry> entries;
+    // The entries of the keys looked up, found or not.
+    std::unordered_map<uint32_t, std::pair<bool, Entry>> looked;
     std::vector<uint8_t> postings;
+    std::vector<char> blockBytes;
 
     ~State() {
         if (index >= 0)
             close(index);
         if (side >= 0)
             close(side);
+    }
+
+    // The entry of a key, from its bucket; none for a key not in the file.
+    bool FindEntry(uint32_t key, const Entry*& entry) {
+        entry = nullptr;
+        if (const auto known = looked.find(key); known != looked.end()) {
+            entry = known->second.first ? &known->second.second : nullptr;
+            return true;
+        }
+        const Bucket& bucket = buckets[BucketOf(key, header.bucketCount)];
+        entries.resize(bucket.count);
+        if (!ReadAt(side, header.entriesAt + uint64_t{bucket.first} * sizeof(Entry), entries.data(),
+                    entries.size() * sizeof(Entry)) ||
+            Checksum(entries.data(), entries.size() * sizeof(Entry)) != bucket.checksum)
+            return false;
+        const auto found = std::lower_bound(entries.begin(), entries.end(), key,
+                                            [](const Entry& e, uint32_t k) { return e.key < k; });
+        const bool known = found != entries.end() && found->key == key;
+        auto& kept = looked[key];
+        kept = {known, known ? *found : Entry{}};
+        entry = known ? &kept.second : nullptr;
+        return true;
     }
 
     bool CheckHeader(const struct stat& indexStatus, const struct stat& sideStatus) {
@@ -497,21 +524,23 @@ uint32_t Sidecar::GetBlockCount() const {
     return state ? state->header.blockCount : 0;
 }
 
+bool Sidecar::CountBlocks(uint32_t key, uint32_t& count) {
+    count = 0;
+    const Entry* entry = nullptr;
+    if (!state || !state->FindEntry(key, entry))
+        return false;
+    count = entry ? entry->blocks : 0;
+    return true;
+}
+
 bool Sidecar::GetBlocks(uint32_t key, std::vector<uint32_t>& blocks) {
     blocks.clear();
-    if (!state)
+    const Entry* found = nullptr;
+    if (!state || !state->FindEntry(key, found))
         return false;
-    State& s = *state;
-    const Bucket& bucket = s.buckets[BucketOf(key, s.header.bucketCount)];
-    s.entries.resize(bucket.count);
-    if (!ReadAt(s.side, s.header.entriesAt + uint64_t{bucket.first} * sizeof(Entry),
-                s.entries.data(), s.entries.size() * sizeof(Entry)) ||
-        Checksum(s.entries.data(), s.entries.size() * sizeof(Entry)) != bucket.checksum)
-        return false;
-    const auto found = std::lower_bound(s.entries.begin(), s.entries.end(), key,
-                                        [](const Entry& e, uint32_t k) { return e.key < k; });
-    if (found == s.entries.end() || found->key != key)
+    if (!found)
         return true;
+    State& s = *state;
     const Entry entry = *found;
     if (entry.blocks > s.header.blockCount || entry.bytes > uint64_t{entry.blocks} * 5 ||
         uint64_t{entry.offset} + entry.bytes > s.header.postingsBytes)
@@ -568,37 +597,73 @@ bool Sidecar::GetLandmark(uint32_t block, uint32_t& offset) {
     return true;
 }
 
-bool Sidecar::ReadBlock(uint32_t block, std::vector<char>& bytes) {
-    if (!state || block >= state->header.blockCount)
-        return false;
+// Where a block's records lie in the index.
+bool Sidecar::GetBlockBytes(uint32_t block, uint32_t& start, uint32_t& end) {
     const Header& h = state->header;
-    uint32_t start = 0;
-    uint32_t end = static_cast<uint32_t>(h.indexSize);
-    if (!GetLandmark(block, start) || (block + 1 < h.blockCount && !GetLandmark(block + 1, end)))
-        return false;
-    if (start < sizeof(IndexFileHeader) || end <= start || end > h.indexSize ||
-        end - start > MaxBlockBytes)
-        return false;
-    bytes.resize(end - start);
-    if (!ReadAt(state->index, start, bytes.data(), bytes.size()))
-        return false;
+    end = static_cast<uint32_t>(h.indexSize);
+    return block < h.blockCount && GetLandmark(block, start) &&
+           (block + 1 == h.blockCount || GetLandmark(block + 1, end)) &&
+           start >= sizeof(IndexFileHeader) && end > start && end <= h.indexSize &&
+           end - start <= MaxBlockBytes;
+}
+
+bool Sidecar::CheckBlock(uint32_t block, const char* bytes, size_t length) const {
+    const Header& h = state->header;
     const uint32_t first = block * BlockRecords;
     const uint32_t count =
         std::min<uint32_t>(BlockRecords, static_cast<uint32_t>(h.recordCount) - first);
     size_t at = 0;
     for (uint32_t ordinal = first; ordinal < first + count; ++ordinal) {
-        if (bytes.size() - at < sizeof(IndexRecord))
+        if (length - at < sizeof(IndexRecord))
             return false;
         IndexRecord record;
-        std::memcpy(&record, bytes.data() + at, sizeof record);
-        const size_t length = sizeof(IndexRecord) + record.nameLength;
-        if (record.nameLength == 0 || length > bytes.size() - at ||
-            bytes[at + length - 1] != '\0' ||
+        std::memcpy(&record, bytes + at, sizeof record);
+        const size_t recordLength = sizeof(IndexRecord) + record.nameLength;
+        if (record.nameLength == 0 || recordLength > length - at ||
+            bytes[at + recordLength - 1] != '\0' ||
             (record.parent != IndexNoParent && record.parent >= ordinal))
             return false;
-        at += length;
+        at += recordLength;
     }
-    return at == bytes.size();
+    return at == length;
+}
+
+// A read costs the system about as much as copying a few pages, so blocks closer than that
+// are read with what lies between them.
+bool Sidecar::ReadBlocks(const std::vector<uint32_t>& blocks, const BlockTaker& take) {
+    if (!state)
+        return false;
+    // The bytes of each block of a run, which lie one after another in the index.
+    std::vector<std::pair<uint32_t, uint32_t>> run;
+    for (size_t first = 0; first < blocks.size();) {
+        uint32_t start = 0, end = 0;
+        if (!GetBlockBytes(blocks[first], start, end))
+            return false;
+        run.assign(1, {start, end});
+        size_t last = first + 1;
+        for (; last < blocks.size(); ++last) {
+            if (blocks[last] <= blocks[last - 1] || !GetBlockBytes(blocks[last], start, end) ||
+                start < run.back().second)
+                return false;
+            if (start - run.back().second > ReadGapBytes || end - run.front().first > MaxReadBytes)
+                break;
+            run.emplace_back(start, end);
+        }
+        const uint32_t runStart = run.front().first;
+        std::vector<char>& bytes = state->blockBytes;
+        bytes.resize(run.back().second - runStart);
+        if (!ReadAt(state->index, runStart, bytes.data(), bytes.size()))
+            return false;
+        for (size_t i = first; i < last; ++i) {
+            const auto [blockStart, blockEnd] = run[i - first];
+            const char* at = bytes.data() + (blockStart - runStart);
+            if (!CheckBlock(blocks[i], at, blockEnd - blockStart) ||
+                !take(blocks[i], at, blockEnd - blockStart))
+                return false;
+        }
+        first = last;
+    }
+    return true;
 }
 
 } // namespace trigram

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -83,15 +84,23 @@ public:
 
     int32_t GetRecordCount() const;
     uint32_t GetBlockCount() const;
+    // How many blocks a key lists, which is what reading its list costs; 0 for a key not in
+    // the file.
+    bool CountBlocks(uint32_t key, uint32_t& count);
     // The ascending blocks listed under a key; none for a key not in the file.
     bool GetBlocks(uint32_t key, std::vector<uint32_t>& blocks);
-    // The records of a block, as they lie in the index, each checked to be whole, to end its
-    // name with a NUL and to name an earlier record as its parent.
-    bool ReadBlock(uint32_t block, std::vector<char>& bytes);
+    // The records of each of the ascending blocks, as they lie in the index, handed to `take`
+    // a block at a time, each checked to be whole, to end its names with a NUL and to name
+    // earlier records as parents. Blocks that lie close together in the index are read at
+    // once. False when a block fails its checks or `take` refuses one.
+    using BlockTaker = std::function<bool(uint32_t block, const char* bytes, size_t length)>;
+    bool ReadBlocks(const std::vector<uint32_t>& blocks, const BlockTaker& take);
 
 private:
     struct State;
     bool GetLandmark(uint32_t block, uint32_t& offset);
+    bool GetBlockBytes(uint32_t block, uint32_t& start, uint32_t& end);
+    bool CheckBlock(uint32_t block, const char* bytes, size_t length) const;
 
     std::unique_ptr<State> state;
 };

@@ -10,7 +10,6 @@
 #include <cstring>
 #include <iterator>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace {
@@ -51,11 +50,27 @@ void Unite(Blocks& into, const Blocks& other) {
     into.swap(either);
 }
 
-// The blocks that hold every key.
+// Decoding a key's list costs about this many entries' worth for each block that it may spare
+// reading, so a list longer than that many times the candidates left is not worth its decoding:
+// the pass turns down what it would have struck out.
+constexpr uint64_t EntriesPerBlockRead = 64;
+
+// The blocks that may hold every key: those of the key with the shortest list, narrowed by the
+// lists of the others while they are short enough to be worth it.
 bool BlocksOfAll(trigram::Sidecar& sidecar, const std::vector<uint32_t>& keys, Blocks& blocks) {
+    std::vector<std::pair<uint32_t, uint32_t>> byLength;
+    for (const uint32_t key : keys) {
+        uint32_t count = 0;
+        if (!sidecar.CountBlocks(key, count))
+            return false;
+        byLength.emplace_back(count, key);
+    }
+    std::sort(byLength.begin(), byLength.end());
     Blocks more;
-    for (size_t i = 0; i < keys.size(); ++i) {
-        if (!sidecar.GetBlocks(keys[i], i == 0 ? blocks : more))
+    for (size_t i = 0; i < byLength.size(); ++i) {
+        if (i > 0 && byLength[i].first > blocks.size() * EntriesPerBlockRead)
+            break;
+        if (!sidecar.GetBlocks(byLength[i].second, i == 0 ? blocks : more))
             return false;
         if (i > 0)
             Intersect(blocks, more);
@@ -120,100 +135,179 @@ size_t RecordBytes(const char* record) {
     return sizeof(IndexRecord) + reinterpret_cast<const IndexRecord*>(record)->nameLength;
 }
 
-// The records read: the candidates' blocks whole, and the folders above them, each once.
-class Gathering {
+uint32_t ParentOf(const char* record) {
+    IndexRecord fixed;
+    std::memcpy(&fixed, record, sizeof fixed);
+    return fixed.parent;
+}
+
+// Records of the index kept by ordinal in one pool, found by ordinal among those added in
+// order or sorted since.
+class Records {
 public:
-    explicit Gathering(trigram::Sidecar& sidecar) : sidecar(sidecar) {}
-
-    bool AddBlock(uint32_t block) {
-        if (!sidecar.ReadBlock(block, bytes))
-            return false;
-        uint32_t ordinal = block * trigram::BlockRecords;
-        for (size_t at = 0; at < bytes.size(); ++ordinal) {
-            const size_t length = RecordBytes(bytes.data() + at);
-            Add(ordinal, bytes.data() + at, length);
-            at += length;
-        }
-        return true;
+    void Add(uint32_t ordinal, const char* record, size_t length) {
+        if (sorted == places.size() && (places.empty() || places.back().ordinal < ordinal))
+            ++sorted;
+        places.push_back({ordinal, pool.size()});
+        pool.insert(pool.end(), record, record + length);
     }
-
-    // Every folder above what was read, read in turn from its block. Folders lie together, so
-    // the blocks read for them are kept for the folders beside them.
-    bool AddFolders() {
-        std::unordered_map<uint32_t, std::vector<char>> folderBlocks;
-        while (!pending.empty()) {
-            const uint32_t ordinal = pending.back();
-            pending.pop_back();
-            if (places.count(ordinal) > 0)
-                continue;
-            const uint32_t block = ordinal / trigram::BlockRecords;
-            std::vector<char>& read = folderBlocks[block];
-            if (read.empty() && !sidecar.ReadBlock(block, read))
-                return false;
-            size_t at = 0;
-            for (uint32_t step = ordinal % trigram::BlockRecords; step > 0 && at < read.size();
-                 --step)
-                at += RecordBytes(&read[at]);
-            if (at >= read.size())
-                return false;
-            Add(ordinal, &read[at], RecordBytes(&read[at]));
-        }
-        return true;
+    void Sort() {
+        std::sort(places.begin(), places.end());
+        sorted = places.size();
     }
-
-    // An index image of the records read, in file order, each parent the ordinal of its record
-    // among them.
-    bool LoadInto(IndexData& index) {
-        std::vector<uint32_t> ordinals;
-        ordinals.reserve(places.size());
-        for (const auto& place : places)
-            ordinals.push_back(place.first);
-        std::sort(ordinals.begin(), ordinals.end());
-        const size_t size = sizeof(IndexFileHeader) + pool.size();
-        if (size > INT32_MAX)
-            return false;
-        LargeArray<char> image = AllocateLargeBytes(size);
-        if (!image)
-            return false;
-        const IndexFileHeader header{IndexFormatVersion, 0, static_cast<int32_t>(ordinals.size())};
-        std::memcpy(image.get(), &header, sizeof header);
-        char* out = image.get() + sizeof header;
-        for (const uint32_t ordinal : ordinals) {
-            const Place& place = places[ordinal];
-            std::memcpy(out, pool.data() + place.at, place.length);
-            IndexRecord fixed;
-            std::memcpy(&fixed, out, sizeof fixed);
-            const uint32_t parent = fixed.GetParent();
-            if (parent != IndexNoParent)
-                fixed.parent = static_cast<uint32_t>(
-                    std::lower_bound(ordinals.begin(), ordinals.end(), parent) - ordinals.begin());
-            std::memcpy(out, &fixed, sizeof fixed);
-            out += place.length;
-        }
-        return index.LoadImage(std::move(image), static_cast<uint32_t>(size));
+    // The record of an ordinal; null when it was not read, or added out of order since the last
+    // sort.
+    const char* Find(uint32_t ordinal) const {
+        const auto end = places.begin() + static_cast<ptrdiff_t>(sorted);
+        const auto found = std::lower_bound(places.begin(), end, Place{ordinal, 0});
+        return found != end && found->ordinal == ordinal ? pool.data() + found->at : nullptr;
     }
+    size_t GetCount() const { return places.size(); }
+    uint32_t GetOrdinal(size_t i) const { return places[i].ordinal; }
+    const char* Get(size_t i) const { return pool.data() + places[i].at; }
+    void Reserve(size_t bytes) { pool.reserve(bytes); }
 
 private:
     struct Place {
+        uint32_t ordinal;
         size_t at;
-        size_t length;
+        bool operator<(const Place& other) const { return ordinal < other.ordinal; }
     };
-
-    void Add(uint32_t ordinal, const char* record, size_t length) {
-        if (!places.emplace(ordinal, Place{pool.size(), length}).second)
-            return;
-        pool.insert(pool.end(), record, record + length);
-        const uint32_t parent = reinterpret_cast<const IndexRecord*>(record)->GetParent();
-        if (parent != IndexNoParent && places.count(parent) == 0)
-            pending.push_back(parent);
-    }
-
-    trigram::Sidecar& sidecar;
-    std::vector<char> bytes;
     std::vector<char> pool;
-    std::unordered_map<uint32_t, Place> places;
-    std::vector<uint32_t> pending;
+    std::vector<Place> places;
+    size_t sorted = 0;
 };
+
+// The candidate blocks' records one after another, as an index of their own with no folders,
+// over which the pass runs: it reads nothing but names.
+bool LoadCandidates(const Records& read, IndexData& candidates) {
+    size_t size = sizeof(IndexFileHeader);
+    for (size_t i = 0; i < read.GetCount(); ++i)
+        size += RecordBytes(read.Get(i));
+    if (size > INT32_MAX)
+        return false;
+    LargeArray<char> image = AllocateLargeBytes(size);
+    if (!image)
+        return false;
+    const IndexFileHeader header{IndexFormatVersion, 0, static_cast<int32_t>(read.GetCount())};
+    std::memcpy(image.get(), &header, sizeof header);
+    char* out = image.get() + sizeof header;
+    for (size_t i = 0; i < read.GetCount(); ++i) {
+        const size_t length = RecordBytes(read.Get(i));
+        std::memcpy(out, read.Get(i), length);
+        const uint32_t none = IndexNoParent;
+        std::memcpy(out + offsetof(IndexRecord, parent), &none, sizeof none);
+        out += length;
+    }
+    return candidates.LoadImage(std::move(image), static_cast<uint32_t>(size));
+}
+
+// The folders above the matches, read a level at a time, each from the candidates when it is
+// among them and otherwise from its block, every block once a level. A folder's entries follow
+// it, so the other folders of a block read are kept too: they are often those a later level
+// asks for.
+bool ReadFolders(trigram::Sidecar& sidecar, const Records& candidates,
+                 const std::vector<const char*>& matches, Records& folders) {
+    Records seen;
+    const auto find = [&](uint32_t ordinal) {
+        const char* record = candidates.Find(ordinal);
+        return record ? record : seen.Find(ordinal);
+    };
+    // Every level's folders are folders above the matches.
+    std::vector<uint32_t> wanted, unread, above;
+    for (const char* match : matches) {
+        if (ParentOf(match) != IndexNoParent)
+            wanted.push_back(ParentOf(match));
+    }
+    Blocks blocks;
+    while (!wanted.empty()) {
+        std::sort(wanted.begin(), wanted.end());
+        wanted.erase(std::unique(wanted.begin(), wanted.end()), wanted.end());
+        above.insert(above.end(), wanted.begin(), wanted.end());
+        unread.clear();
+        blocks.clear();
+        for (const uint32_t ordinal : wanted) {
+            if (find(ordinal))
+                continue;
+            unread.push_back(ordinal);
+            if (blocks.empty() || blocks.back() != ordinal / trigram::BlockRecords)
+                blocks.push_back(ordinal / trigram::BlockRecords);
+        }
+        auto next = unread.begin();
+        const bool read =
+            sidecar.ReadBlocks(blocks, [&](uint32_t block, const char* bytes, size_t length) {
+                uint32_t ordinal = block * trigram::BlockRecords;
+                for (size_t at = 0; at < length; ++ordinal) {
+                    const auto* record = reinterpret_cast<const IndexRecord*>(bytes + at);
+                    const bool isWanted = next != unread.end() && *next == ordinal;
+                    next += isWanted;
+                    if (isWanted || (record->IsFolder() && !find(ordinal)))
+                        seen.Add(ordinal, bytes + at, RecordBytes(bytes + at));
+                    at += RecordBytes(bytes + at);
+                }
+                return true;
+            });
+        if (!read || next != unread.end())
+            return false;
+        seen.Sort();
+        // The parents of this level's folders, whether read now or before: a level is
+        // asked of every folder once, as no folder is its own ancestor.
+        for (uint32_t& ordinal : wanted)
+            ordinal = ParentOf(find(ordinal));
+        wanted.erase(std::remove(wanted.begin(), wanted.end(), IndexNoParent), wanted.end());
+    }
+    std::sort(above.begin(), above.end());
+    above.erase(std::unique(above.begin(), above.end()), above.end());
+    for (const uint32_t ordinal : above)
+        folders.Add(ordinal, find(ordinal), RecordBytes(find(ordinal)));
+    return true;
+}
+
+// The matches and the folders above them in file order, as an index whose every parent is the
+// ordinal of its record among them, with the matches as its results.
+bool LoadAnswer(const std::vector<uint32_t>& matchOrdinals, const std::vector<const char*>& matches,
+                const Records& folders, IndexData& index) {
+    std::vector<std::pair<uint32_t, const char*>> all;
+    all.reserve(matches.size() + folders.GetCount());
+    size_t size = sizeof(IndexFileHeader);
+    for (size_t i = 0; i < matches.size(); ++i)
+        all.emplace_back(matchOrdinals[i], matches[i]);
+    for (size_t i = 0; i < folders.GetCount(); ++i) {
+        if (!std::binary_search(matchOrdinals.begin(), matchOrdinals.end(), folders.GetOrdinal(i)))
+            all.emplace_back(folders.GetOrdinal(i), folders.Get(i));
+    }
+    std::sort(all.begin(), all.end());
+    for (const auto& [ordinal, record] : all)
+        size += RecordBytes(record);
+    if (size > INT32_MAX)
+        return false;
+    LargeArray<char> image = AllocateLargeBytes(size);
+    if (!image)
+        return false;
+    const IndexFileHeader header{IndexFormatVersion, 0, static_cast<int32_t>(all.size())};
+    std::memcpy(image.get(), &header, sizeof header);
+    char* out = image.get() + sizeof header;
+    const auto placeOf = [&all](uint32_t ordinal) {
+        return static_cast<uint32_t>(
+            std::lower_bound(all.begin(), all.end(),
+                             std::pair<uint32_t, const char*>(ordinal, nullptr)) -
+            all.begin());
+    };
+    for (const auto& [ordinal, record] : all) {
+        const size_t length = RecordBytes(record);
+        std::memcpy(out, record, length);
+        const uint32_t parent = ParentOf(record);
+        const uint32_t place = parent == IndexNoParent ? IndexNoParent : placeOf(parent);
+        std::memcpy(out + offsetof(IndexRecord, parent), &place, sizeof place);
+        out += length;
+    }
+    if (!index.LoadImage(std::move(image), static_cast<uint32_t>(size)))
+        return false;
+    index.ClearResults();
+    for (const uint32_t ordinal : matchOrdinals)
+        index.AddResult(index.GetRecord(static_cast<int32_t>(placeOf(ordinal))));
+    return true;
+}
 
 bool Search(IndexData& index, const loam::FileSpec& indexFile, const loam::String& pattern,
             bool isRegExp, bool autoWildcards) {
@@ -232,18 +326,38 @@ bool Search(IndexData& index, const loam::FileSpec& indexFile, const loam::Strin
         !AddLongNames(sidecar, reader.GetTrustedLength(), blocks) ||
         blocks.size() > std::max<size_t>(sidecar.GetBlockCount() / MostCandidateShare, FewBlocks))
         return false;
-    Gathering gathering(sidecar);
-    for (const uint32_t block : blocks) {
-        if (!gathering.AddBlock(block))
-            return false;
-    }
-    if (!gathering.AddFolders() || !gathering.LoadInto(index))
-        return false;
+    Records read;
+    read.Reserve(blocks.size() * trigram::BlockRecords * 48);
+    const bool gathered =
+        sidecar.ReadBlocks(blocks, [&read](uint32_t block, const char* bytes, size_t length) {
+            uint32_t ordinal = block * trigram::BlockRecords;
+            for (size_t at = 0; at < length; ++ordinal) {
+                read.Add(ordinal, bytes + at, RecordBytes(bytes + at));
+                at += RecordBytes(bytes + at);
+            }
+            return true;
+        });
+    IndexData candidates;
     IndexSearcher searcher;
-    if (!searcher.Start(&index, pattern, isRegExp, autoWildcards))
+    if (!gathered || !LoadCandidates(read, candidates) ||
+        !searcher.Start(&candidates, pattern, isRegExp, autoWildcards))
         return false;
     searcher.RunToEnd(nullptr);
-    return searcher.Rewind();
+    if (!searcher.Rewind())
+        return false;
+    // The candidates' records lie in the order read, which is the order of the results.
+    std::vector<uint32_t> matchOrdinals;
+    std::vector<const char*> matches;
+    size_t at = 0;
+    for (int32_t i = 0; i < candidates.GetResultCount(); ++i) {
+        while (candidates.GetRecord(static_cast<int32_t>(at)) != candidates.GetResult(i))
+            ++at;
+        matchOrdinals.push_back(read.GetOrdinal(at));
+        matches.push_back(read.Get(at));
+    }
+    Records folders;
+    return ReadFolders(sidecar, read, matches, folders) &&
+           LoadAnswer(matchOrdinals, matches, folders, index);
 }
 
 } // namespace
