@@ -26,6 +26,7 @@ constexpr uint32_t FormatVersion = 1;
 constexpr uint32_t SampleBytes = 1 << 16;
 // Landmarks are checked a page at a time.
 constexpr uint32_t PageLandmarks = 1024;
+constexpr uint32_t PagesReadBetween = 2;
 // A bucket of the key directory holds about this many keys, read and checked together.
 constexpr uint32_t BucketKeys = 128;
 constexpr uint32_t MaxBuckets = 1 << 20;
@@ -572,28 +573,50 @@ bool Sidecar::GetBlocks(uint32_t key, std::vector<uint32_t>& blocks) {
 }
 
 bool Sidecar::GetLandmark(uint32_t block, uint32_t& offset) {
-    State& s = *state;
     const uint32_t number = block / PageLandmarks;
-    std::vector<uint32_t>& page = s.pages[number];
+    const auto page = state->pages.find(number);
+    if (page != state->pages.end()) {
+        offset = page->second[block % PageLandmarks];
+        return true;
+    }
+    return LoadLandmarkPages({number}) && GetLandmark(block, offset);
+}
+
+// Pages of landmarks, ascending, each checked against its checksum. A read costs about as much
+// as copying a few pages, so pages close together are read at once, with those between them.
+bool Sidecar::LoadLandmarkPages(const std::vector<uint32_t>& numbers) {
+    State& s = *state;
+    const uint32_t pageCount = (s.header.blockCount + PageLandmarks - 1) / PageLandmarks;
     if (s.pageSums.empty()) {
-        s.pageSums.resize((s.header.blockCount + PageLandmarks - 1) / PageLandmarks);
+        s.pageSums.resize(pageCount);
         if (!ReadAt(s.side, s.header.pageChecksumsAt, s.pageSums.data(),
                     s.pageSums.size() * sizeof(uint64_t))) {
             s.pageSums.clear();
             return false;
         }
     }
-    if (page.empty()) {
-        const uint32_t first = number * PageLandmarks;
-        page.resize(std::min(PageLandmarks, s.header.blockCount - first));
-        if (!ReadAt(s.side, s.header.landmarksAt + uint64_t{first} * sizeof(uint32_t), page.data(),
-                    page.size() * sizeof(uint32_t)) ||
-            Checksum(page.data(), page.size() * sizeof(uint32_t)) != s.pageSums[number]) {
-            s.pages.erase(number);
+    std::vector<uint32_t> landmarks;
+    for (size_t first = 0; first < numbers.size();) {
+        size_t last = first + 1;
+        while (last < numbers.size() && numbers[last] - numbers[last - 1] <= PagesReadBetween)
+            ++last;
+        if (numbers[last - 1] >= pageCount)
             return false;
+        const uint32_t from = numbers[first] * PageLandmarks;
+        const uint32_t to = std::min(s.header.blockCount, (numbers[last - 1] + 1) * PageLandmarks);
+        landmarks.resize(to - from);
+        if (!ReadAt(s.side, s.header.landmarksAt + uint64_t{from} * sizeof(uint32_t),
+                    landmarks.data(), landmarks.size() * sizeof(uint32_t)))
+            return false;
+        for (uint32_t number = numbers[first]; number <= numbers[last - 1]; ++number) {
+            const uint32_t* page = landmarks.data() + (number * PageLandmarks - from);
+            const uint32_t count = std::min(PageLandmarks, to - number * PageLandmarks);
+            if (Checksum(page, count * sizeof(uint32_t)) != s.pageSums[number])
+                return false;
+            s.pages.try_emplace(number, page, page + count);
         }
+        first = last;
     }
-    offset = page[block % PageLandmarks];
     return true;
 }
 
@@ -630,8 +653,39 @@ bool Sidecar::CheckBlock(uint32_t block, const char* bytes, size_t length) const
 
 // A read costs the system about as much as copying a few pages, so blocks closer than that
 // are read with what lies between them.
+// The landmarks of the blocks and of those after them, which end them.
+bool Sidecar::LoadLandmarksOf(const std::vector<uint32_t>& blocks) {
+    std::vector<uint32_t> pages;
+    const auto need = [&](uint32_t block) {
+        const uint32_t number = block / PageLandmarks;
+        if (block < state->header.blockCount && (pages.empty() || pages.back() < number) &&
+            state->pages.count(number) == 0)
+            pages.push_back(number);
+    };
+    for (const uint32_t block : blocks) {
+        need(block);
+        need(block + 1);
+    }
+    return LoadLandmarkPages(pages);
+}
+
+bool Sidecar::MeasureBlocks(const std::vector<uint32_t>& blocks, uint64_t& bytes) {
+    bytes = 0;
+    if (!state || !LoadLandmarksOf(blocks))
+        return false;
+    for (const uint32_t block : blocks) {
+        uint32_t start = 0, end = 0;
+        if (!GetBlockBytes(block, start, end))
+            return false;
+        bytes += end - start;
+    }
+    return true;
+}
+
 bool Sidecar::ReadBlocks(const std::vector<uint32_t>& blocks, const BlockTaker& take) {
     if (!state)
+        return false;
+    if (!LoadLandmarksOf(blocks))
         return false;
     // The bytes of each block of a run, which lie one after another in the index.
     std::vector<std::pair<uint32_t, uint32_t>> run;

@@ -93,12 +93,16 @@ public:
     // a block at a time, each checked to be whole, to end its names with a NUL and to name
     // earlier records as parents. Blocks that lie close together in the index are read at
     // once. False when a block fails its checks or `take` refuses one.
+    // The bytes that the ascending blocks' records take in the index.
+    bool MeasureBlocks(const std::vector<uint32_t>& blocks, uint64_t& bytes);
     using BlockTaker = std::function<bool(uint32_t block, const char* bytes, size_t length)>;
     bool ReadBlocks(const std::vector<uint32_t>& blocks, const BlockTaker& take);
 
 private:
     struct State;
     bool GetLandmark(uint32_t block, uint32_t& offset);
+    bool LoadLandmarkPages(const std::vector<uint32_t>& numbers);
+    bool LoadLandmarksOf(const std::vector<uint32_t>& blocks);
     bool GetBlockBytes(uint32_t block, uint32_t& start, uint32_t& end);
     bool CheckBlock(uint32_t block, const char* bytes, size_t length) const;
 

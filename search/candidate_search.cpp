@@ -141,31 +141,44 @@ uint32_t ParentOf(const char* record) {
     return fixed.parent;
 }
 
+void SetParent(char* record, uint32_t parent) {
+    std::memcpy(record + offsetof(IndexRecord, parent), &parent, sizeof parent);
+}
+
+// A record read from the index, and its parent there.
+struct Held {
+    const char* record = nullptr;
+    uint32_t parent = IndexNoParent;
+};
+
 // Records of the index kept by ordinal in one pool, found by ordinal among those added in
 // order or sorted since.
 class Records {
 public:
-    void Add(uint32_t ordinal, const char* record, size_t length) {
+    void Add(uint32_t ordinal, const Held& held) {
         if (sorted == places.size() && (places.empty() || places.back().ordinal < ordinal))
             ++sorted;
         places.push_back({ordinal, pool.size()});
-        pool.insert(pool.end(), record, record + length);
+        pool.insert(pool.end(), held.record, held.record + RecordBytes(held.record));
+        SetParent(pool.data() + places.back().at, held.parent);
     }
     void Sort() {
         std::sort(places.begin(), places.end());
         sorted = places.size();
     }
-    // The record of an ordinal; null when it was not read, or added out of order since the last
+    // The record of an ordinal; none when it was not read, or added out of order since the last
     // sort.
-    const char* Find(uint32_t ordinal) const {
+    Held Find(uint32_t ordinal) const {
         const auto end = places.begin() + static_cast<ptrdiff_t>(sorted);
         const auto found = std::lower_bound(places.begin(), end, Place{ordinal, 0});
-        return found != end && found->ordinal == ordinal ? pool.data() + found->at : nullptr;
+        return found != end && found->ordinal == ordinal ? Get(found - places.begin()) : Held{};
     }
     size_t GetCount() const { return places.size(); }
     uint32_t GetOrdinal(size_t i) const { return places[i].ordinal; }
-    const char* Get(size_t i) const { return pool.data() + places[i].at; }
-    void Reserve(size_t bytes) { pool.reserve(bytes); }
+    Held Get(size_t i) const {
+        const char* record = pool.data() + places[i].at;
+        return {record, ParentOf(record)};
+    }
 
 private:
     struct Place {
@@ -178,46 +191,75 @@ private:
     size_t sorted = 0;
 };
 
-// The candidate blocks' records one after another, as an index of their own with no folders,
-// over which the pass runs: it reads nothing but names.
-bool LoadCandidates(const Records& read, IndexData& candidates) {
-    size_t size = sizeof(IndexFileHeader);
-    for (size_t i = 0; i < read.GetCount(); ++i)
-        size += RecordBytes(read.Get(i));
-    if (size > INT32_MAX)
-        return false;
-    LargeArray<char> image = AllocateLargeBytes(size);
-    if (!image)
-        return false;
-    const IndexFileHeader header{IndexFormatVersion, 0, static_cast<int32_t>(read.GetCount())};
-    std::memcpy(image.get(), &header, sizeof header);
-    char* out = image.get() + sizeof header;
-    for (size_t i = 0; i < read.GetCount(); ++i) {
-        const size_t length = RecordBytes(read.Get(i));
-        std::memcpy(out, read.Get(i), length);
-        const uint32_t none = IndexNoParent;
-        std::memcpy(out + offsetof(IndexRecord, parent), &none, sizeof none);
-        out += length;
+// The candidate blocks' records one after another, read straight into an index of their own,
+// over which the pass runs: it reads nothing but names, so each record's parent there is none,
+// and its ordinal and parent in the whole index are kept beside.
+class Candidates {
+public:
+    bool Read(trigram::Sidecar& sidecar, const Blocks& blocks) {
+        uint64_t bytes = 0;
+        if (!sidecar.MeasureBlocks(blocks, bytes) || bytes > INT32_MAX - sizeof(IndexFileHeader))
+            return false;
+        const size_t size = sizeof(IndexFileHeader) + bytes;
+        LargeArray<char> image = AllocateLargeBytes(size);
+        if (!image)
+            return false;
+        size_t at = sizeof(IndexFileHeader);
+        const bool read =
+            sidecar.ReadBlocks(blocks, [&](uint32_t block, const char* records, size_t length) {
+                if (length > size - at)
+                    return false;
+                std::memcpy(image.get() + at, records, length);
+                uint32_t ordinal = block * trigram::BlockRecords;
+                for (const size_t end = at + length; at < end; ++ordinal) {
+                    ordinals.push_back(ordinal);
+                    parents.push_back(ParentOf(image.get() + at));
+                    SetParent(image.get() + at, IndexNoParent);
+                    at += RecordBytes(image.get() + at);
+                }
+                return true;
+            });
+        if (!read || at != size)
+            return false;
+        const IndexFileHeader header{IndexFormatVersion, 0, static_cast<int32_t>(ordinals.size())};
+        std::memcpy(image.get(), &header, sizeof header);
+        return index.LoadImage(std::move(image), static_cast<uint32_t>(size));
     }
-    return candidates.LoadImage(std::move(image), static_cast<uint32_t>(size));
-}
+
+    IndexData& GetIndex() { return index; }
+    uint32_t GetOrdinal(int32_t i) const { return ordinals[static_cast<size_t>(i)]; }
+    Held Get(int32_t i) const {
+        return {reinterpret_cast<const char*>(index.GetRecord(i)), parents[static_cast<size_t>(i)]};
+    }
+    Held Find(uint32_t ordinal) const {
+        const auto found = std::lower_bound(ordinals.begin(), ordinals.end(), ordinal);
+        return found != ordinals.end() && *found == ordinal
+                   ? Get(static_cast<int32_t>(found - ordinals.begin()))
+                   : Held{};
+    }
+
+private:
+    IndexData index;
+    std::vector<uint32_t> ordinals;
+    std::vector<uint32_t> parents;
+};
 
 // The folders above the matches, read a level at a time, each from the candidates when it is
 // among them and otherwise from its block, every block once a level. A folder's entries follow
 // it, so the other folders of a block read are kept too: they are often those a later level
 // asks for.
-bool ReadFolders(trigram::Sidecar& sidecar, const Records& candidates,
-                 const std::vector<const char*>& matches, Records& folders) {
+bool ReadFolders(trigram::Sidecar& sidecar, const Candidates& candidates,
+                 const std::vector<Held>& matches, Records& folders) {
     Records seen;
     const auto find = [&](uint32_t ordinal) {
-        const char* record = candidates.Find(ordinal);
-        return record ? record : seen.Find(ordinal);
+        const Held held = candidates.Find(ordinal);
+        return held.record ? held : seen.Find(ordinal);
     };
     // Every level's folders are folders above the matches.
     std::vector<uint32_t> wanted, unread, above;
-    for (const char* match : matches) {
-        if (ParentOf(match) != IndexNoParent)
-            wanted.push_back(ParentOf(match));
+    for (const Held& match : matches) {
+        if (match.parent != IndexNoParent)
+            wanted.push_back(match.parent);
     }
     Blocks blocks;
     while (!wanted.empty()) {
@@ -227,7 +269,7 @@ bool ReadFolders(trigram::Sidecar& sidecar, const Records& candidates,
         unread.clear();
         blocks.clear();
         for (const uint32_t ordinal : wanted) {
-            if (find(ordinal))
+            if (find(ordinal).record)
                 continue;
             unread.push_back(ordinal);
             if (blocks.empty() || blocks.back() != ordinal / trigram::BlockRecords)
@@ -241,8 +283,8 @@ bool ReadFolders(trigram::Sidecar& sidecar, const Records& candidates,
                     const auto* record = reinterpret_cast<const IndexRecord*>(bytes + at);
                     const bool isWanted = next != unread.end() && *next == ordinal;
                     next += isWanted;
-                    if (isWanted || (record->IsFolder() && !find(ordinal)))
-                        seen.Add(ordinal, bytes + at, RecordBytes(bytes + at));
+                    if (isWanted || (record->IsFolder() && !find(ordinal).record))
+                        seen.Add(ordinal, {bytes + at, record->parent});
                     at += RecordBytes(bytes + at);
                 }
                 return true;
@@ -250,35 +292,38 @@ bool ReadFolders(trigram::Sidecar& sidecar, const Records& candidates,
         if (!read || next != unread.end())
             return false;
         seen.Sort();
-        // The parents of this level's folders, whether read now or before: a level is
-        // asked of every folder once, as no folder is its own ancestor.
+        // Up a level from every folder of this one, read now or before.
         for (uint32_t& ordinal : wanted)
-            ordinal = ParentOf(find(ordinal));
+            ordinal = find(ordinal).parent;
         wanted.erase(std::remove(wanted.begin(), wanted.end(), IndexNoParent), wanted.end());
     }
     std::sort(above.begin(), above.end());
     above.erase(std::unique(above.begin(), above.end()), above.end());
     for (const uint32_t ordinal : above)
-        folders.Add(ordinal, find(ordinal), RecordBytes(find(ordinal)));
+        folders.Add(ordinal, find(ordinal));
     return true;
 }
 
 // The matches and the folders above them in file order, as an index whose every parent is the
 // ordinal of its record among them, with the matches as its results.
-bool LoadAnswer(const std::vector<uint32_t>& matchOrdinals, const std::vector<const char*>& matches,
+bool LoadAnswer(const std::vector<uint32_t>& matchOrdinals, const std::vector<Held>& matches,
                 const Records& folders, IndexData& index) {
-    std::vector<std::pair<uint32_t, const char*>> all;
+    std::vector<std::pair<uint32_t, Held>> all;
     all.reserve(matches.size() + folders.GetCount());
-    size_t size = sizeof(IndexFileHeader);
     for (size_t i = 0; i < matches.size(); ++i)
         all.emplace_back(matchOrdinals[i], matches[i]);
     for (size_t i = 0; i < folders.GetCount(); ++i) {
         if (!std::binary_search(matchOrdinals.begin(), matchOrdinals.end(), folders.GetOrdinal(i)))
             all.emplace_back(folders.GetOrdinal(i), folders.Get(i));
     }
-    std::sort(all.begin(), all.end());
-    for (const auto& [ordinal, record] : all)
-        size += RecordBytes(record);
+    const auto byOrdinal = [](const std::pair<uint32_t, Held>& one,
+                              const std::pair<uint32_t, Held>& other) {
+        return one.first < other.first;
+    };
+    std::sort(all.begin(), all.end(), byOrdinal);
+    size_t size = sizeof(IndexFileHeader);
+    for (const auto& [ordinal, held] : all)
+        size += RecordBytes(held.record);
     if (size > INT32_MAX)
         return false;
     LargeArray<char> image = AllocateLargeBytes(size);
@@ -287,18 +332,15 @@ bool LoadAnswer(const std::vector<uint32_t>& matchOrdinals, const std::vector<co
     const IndexFileHeader header{IndexFormatVersion, 0, static_cast<int32_t>(all.size())};
     std::memcpy(image.get(), &header, sizeof header);
     char* out = image.get() + sizeof header;
-    const auto placeOf = [&all](uint32_t ordinal) {
+    const auto placeOf = [&](uint32_t ordinal) {
         return static_cast<uint32_t>(
-            std::lower_bound(all.begin(), all.end(),
-                             std::pair<uint32_t, const char*>(ordinal, nullptr)) -
+            std::lower_bound(all.begin(), all.end(), std::pair(ordinal, Held{}), byOrdinal) -
             all.begin());
     };
-    for (const auto& [ordinal, record] : all) {
-        const size_t length = RecordBytes(record);
-        std::memcpy(out, record, length);
-        const uint32_t parent = ParentOf(record);
-        const uint32_t place = parent == IndexNoParent ? IndexNoParent : placeOf(parent);
-        std::memcpy(out + offsetof(IndexRecord, parent), &place, sizeof place);
+    for (const auto& [ordinal, held] : all) {
+        const size_t length = RecordBytes(held.record);
+        std::memcpy(out, held.record, length);
+        SetParent(out, held.parent == IndexNoParent ? IndexNoParent : placeOf(held.parent));
         out += length;
     }
     if (!index.LoadImage(std::move(image), static_cast<uint32_t>(size)))
@@ -326,37 +368,27 @@ bool Search(IndexData& index, const loam::FileSpec& indexFile, const loam::Strin
         !AddLongNames(sidecar, reader.GetTrustedLength(), blocks) ||
         blocks.size() > std::max<size_t>(sidecar.GetBlockCount() / MostCandidateShare, FewBlocks))
         return false;
-    Records read;
-    read.Reserve(blocks.size() * trigram::BlockRecords * 48);
-    const bool gathered =
-        sidecar.ReadBlocks(blocks, [&read](uint32_t block, const char* bytes, size_t length) {
-            uint32_t ordinal = block * trigram::BlockRecords;
-            for (size_t at = 0; at < length; ++ordinal) {
-                read.Add(ordinal, bytes + at, RecordBytes(bytes + at));
-                at += RecordBytes(bytes + at);
-            }
-            return true;
-        });
-    IndexData candidates;
+    Candidates candidates;
     IndexSearcher searcher;
-    if (!gathered || !LoadCandidates(read, candidates) ||
-        !searcher.Start(&candidates, pattern, isRegExp, autoWildcards))
+    if (!candidates.Read(sidecar, blocks) ||
+        !searcher.Start(&candidates.GetIndex(), pattern, isRegExp, autoWildcards))
         return false;
     searcher.RunToEnd(nullptr);
     if (!searcher.Rewind())
         return false;
-    // The candidates' records lie in the order read, which is the order of the results.
+    // The results are records of the candidates' table, in its order.
+    const IndexData& found = candidates.GetIndex();
     std::vector<uint32_t> matchOrdinals;
-    std::vector<const char*> matches;
-    size_t at = 0;
-    for (int32_t i = 0; i < candidates.GetResultCount(); ++i) {
-        while (candidates.GetRecord(static_cast<int32_t>(at)) != candidates.GetResult(i))
+    std::vector<Held> matches;
+    int32_t at = 0;
+    for (int32_t i = 0; i < found.GetResultCount(); ++i) {
+        while (found.GetRecord(at) != found.GetResult(i))
             ++at;
-        matchOrdinals.push_back(read.GetOrdinal(at));
-        matches.push_back(read.Get(at));
+        matchOrdinals.push_back(candidates.GetOrdinal(at));
+        matches.push_back(candidates.Get(at));
     }
     Records folders;
-    return ReadFolders(sidecar, read, matches, folders) &&
+    return ReadFolders(sidecar, candidates, matches, folders) &&
            LoadAnswer(matchOrdinals, matches, folders, index);
 }
 
