@@ -78,21 +78,36 @@ bool BlocksOfAll(trigram::Sidecar& sidecar, const std::vector<uint32_t>& keys, B
     return true;
 }
 
-// The blocks that may hold a match: those with every key of allOf, and with every key of one
-// of oneOf, when each of them has one. False when the pieces give no key to narrow by, or the
-// file fails its checks.
-bool FindBlocks(trigram::Sidecar& sidecar, const std::vector<std::string>& allOf,
-                const std::vector<std::string>& oneOf, Blocks& blocks) {
+// The blocks that may hold a match: those with every key of the pieces that every match holds,
+// and with every key of one of the pieces of which every match holds one, where each of those
+// has a key. A name without a piece may still make the matcher give up, when it is longer than
+// `trusted`; the pieces chosen are those that leave the most names trusted. False when the
+// pieces give no key to narrow by, or the file fails its checks.
+bool FindBlocks(trigram::Sidecar& sidecar, const IndexSearcher& reader, Blocks& blocks,
+                int32_t& trusted) {
+    std::vector<std::string> allOf, oneOf;
+    reader.GetRequiredPieces(allOf, oneOf);
     std::vector<uint32_t> keys;
-    for (const std::string& piece : allOf) {
-        const std::vector<uint32_t> more = KeysOf(piece);
-        keys.insert(keys.end(), more.begin(), more.end());
+    for (const bool everyPiece : {false, true}) {
+        for (size_t i = 0; i < allOf.size(); ++i) {
+            if (!everyPiece && reader.GetTrustedLengthWithout(i) < LongestLoadableName)
+                continue;
+            const std::vector<uint32_t> more = KeysOf(allOf[i]);
+            keys.insert(keys.end(), more.begin(), more.end());
+        }
+        trusted = everyPiece ? reader.GetTrustedLength() : LongestLoadableName;
+        if (!keys.empty())
+            break;
     }
     std::sort(keys.begin(), keys.end());
     keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
-    bool narrowed = !keys.empty();
+    const bool narrowed = !keys.empty();
     if (narrowed && !BlocksOfAll(sidecar, keys, blocks))
         return false;
+    // A name without any of oneOf is trusted only as far as any name.
+    if (narrowed && reader.GetTrustedLength() < trusted)
+        return true;
+    trusted = reader.GetTrustedLength();
     std::vector<std::vector<uint32_t>> alternatives;
     for (const std::string& piece : oneOf) {
         alternatives.push_back(KeysOf(piece));
@@ -361,11 +376,9 @@ bool Search(IndexData& index, const loam::FileSpec& indexFile, const loam::Strin
     IndexSearcher reader;
     if (!reader.Start(&none, pattern, isRegExp, autoWildcards))
         return false;
-    std::vector<std::string> allOf, oneOf;
-    reader.GetRequiredPieces(allOf, oneOf);
     Blocks blocks;
-    if (!FindBlocks(sidecar, allOf, oneOf, blocks) ||
-        !AddLongNames(sidecar, reader.GetTrustedLength(), blocks) ||
+    int32_t trusted = -1;
+    if (!FindBlocks(sidecar, reader, blocks, trusted) || !AddLongNames(sidecar, trusted, blocks) ||
         blocks.size() > std::max<size_t>(sidecar.GetBlockCount() / MostCandidateShare, FewBlocks))
         return false;
     Candidates candidates;

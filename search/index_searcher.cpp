@@ -137,8 +137,9 @@ BytePair RarestPair(const std::string& piece, const ByteCounts& counts, double s
             std::max(rarest, second)};
 }
 
-// The piece to look for, and the pair in it that makes the finder stop at fewest places.
-PieceFinder ChooseAnchor(const NameGlob& glob, const ByteCounts& counts) {
+// The piece to look for, and the pair in it that makes the finder stop at fewest places; which
+// of the glob's pieces it is.
+PieceFinder ChooseAnchor(const NameGlob& glob, const ByteCounts& counts, size_t& anchorPiece) {
     double sampled = 1;
     for (uint32_t count : counts)
         sampled += count;
@@ -151,6 +152,7 @@ PieceFinder ChooseAnchor(const NameGlob& glob, const ByteCounts& counts) {
             anchor = &piece;
         }
     }
+    anchorPiece = static_cast<size_t>(anchor - glob.GetPieces().data());
     return PieceFinder(*anchor, static_cast<uint32_t>(best.first),
                        static_cast<uint32_t>(best.last));
 }
@@ -218,6 +220,7 @@ bool IndexSearcher::Compile(const loam::String& text) {
 void IndexSearcher::ChooseMode(bool isGlob, const loam::String& text) {
     testRecords = &IndexSearcher::MatchRecords;
     suffixLength = 0;
+    expressionLength = text.GetLength();
     hasAutomaton =
         pass == Pass::Fast && !(isGlob && glob.IsExact()) && automaton.Build(text.GetCString());
     const bool useGlob =
@@ -225,6 +228,7 @@ void IndexSearcher::ChooseMode(bool isGlob, const loam::String& text) {
     globDecides = useGlob;
     if (!useGlob) {
         trustedLength = automaton.GetTrustedLength();
+        trustedWithoutPiece = trustedLength;
         if (hasAutomaton)
             testRecords =
                 ChoosePieces() ? &IndexSearcher::ScanRecords : &IndexSearcher::RunAutomaton;
@@ -233,9 +237,12 @@ void IndexSearcher::ChooseMode(bool isGlob, const loam::String& text) {
     trustedLength = TrustedLength(text.GetLength(), glob.GetRetriedRepeats());
     if (hasAutomaton)
         trustedLength = std::min(trustedLength, automaton.GetTrustedLength());
+    trustedWithoutPiece = trustedLength;
     testRecords = &IndexSearcher::FilterRecords;
     if (glob.HasLiteral()) {
-        finders.assign(1, ChooseAnchor(glob, SampleBytes(*index)));
+        size_t anchor = 0;
+        finders.assign(1, ChooseAnchor(glob, SampleBytes(*index), anchor));
+        trustedWithoutPiece = GetTrustedLengthWithout(anchor);
         testRecords = &IndexSearcher::ScanRecords;
     }
     const std::vector<std::string>& pieces = glob.GetPieces();
@@ -243,6 +250,15 @@ void IndexSearcher::ChooseMode(bool isGlob, const loam::String& text) {
                            pieces[0].empty() && pieces[1].find('\0') == std::string::npos
                        ? pieces[1].size()
                        : 0;
+}
+
+// The matcher reaches what the expression asks after a piece only through a place where the
+// piece stands, so on a name without it only the repeats before the piece can be retried, the
+// first piece being after as many repeats as its place among the pieces.
+int32_t IndexSearcher::GetTrustedLengthWithout(size_t piece) const {
+    if (!globDecides)
+        return trustedLength;
+    return std::max(trustedLength, TrustedLength(expressionLength, static_cast<int32_t>(piece)));
 }
 
 void IndexSearcher::GetRequiredPieces(std::vector<std::string>& allOf,
@@ -373,11 +389,11 @@ void IndexSearcher::ScanRecords(int32_t end) {
 // The records in [first, end) hold no piece that was looked for, so none of them can match;
 // but a name on which the matcher might give up is put to the expression all the same.
 void IndexSearcher::AskAboutLongNames(int32_t first, int32_t end) {
-    if (trustedLength == LongestLoadableName)
+    if (trustedWithoutPiece == LongestLoadableName)
         return;
     const IndexRecord* const* records = index->GetRecords();
     for (int32_t ordinal = first; ordinal < end; ++ordinal) {
-        if (records[ordinal]->nameLength > trustedLength + 1 && Decide(records[ordinal]))
+        if (records[ordinal]->nameLength > trustedWithoutPiece + 1 && Decide(records[ordinal]))
             index->AddResult(records[ordinal]);
     }
 }

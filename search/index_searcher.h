@@ -60,6 +60,8 @@ public:
     void GetRequiredPieces(std::vector<std::string>& allOf, std::vector<std::string>& oneOf) const;
     // Names up to this length cannot make the expression's matcher give up; -1 for none.
     int32_t GetTrustedLength() const { return trustedLength; }
+    // The same for the names that lack one of the pieces of allOf.
+    int32_t GetTrustedLengthWithout(size_t piece) const;
 
 private:
     bool Compile(const loam::String& text);
@@ -97,6 +99,9 @@ private:
     std::vector<const char*> hits;
     // Names up to this length cannot make the expression's matcher give up; -1 for none.
     int32_t trustedLength = -1;
+    // The same for the names that lack the pieces a scan looks for.
+    int32_t trustedWithoutPiece = -1;
+    int32_t expressionLength = 0;
     // When all the glob asks is that a name end in the anchor piece, which is all literal bytes:
     // that piece's length; 0 otherwise.
     size_t suffixLength = 0;

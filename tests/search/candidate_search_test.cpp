@@ -52,7 +52,7 @@ const Query queries[] = {
     {"(fstab|zlib)\\.[a-z0-9]+", true, false, Must},
     {"img_[0-9]{4}", true, false, Must},
     {"lib", false, true, May},
-    {".*fstab.*\\.[a-z]+", true, false, May},
+    {".*fstab.*\\.[a-z]+", true, false, Must},
     {".*a.*b.*c.*zlib.*", true, false, May},
     {"[a-z]+[0-9]+", true, false, Cannot},
     {"ab", false, true, Cannot},

@@ -225,6 +225,39 @@ TEST_F(FastPassTest, EndsWhereThePlainPassGivesUp) {
     }
 }
 
+// Names of the longest length that nearly hold the piece a scan looks for, but lack it: the
+// matcher reaches what comes after the piece only through it, so on these it retries no more
+// than the repeats before it and cannot give up, and the fast pass passes over them unasked.
+// Asked about each of them, the plain pass must still run to the end.
+TEST_F(FastPassTest, PassesOverLongNamesThatLackThePiece) {
+    const auto filled = [](const std::string& unit) {
+        std::string name;
+        while (name.size() < static_cast<size_t>(MaxIndexNameLength))
+            name += unit;
+        return name.substr(0, MaxIndexNameLength);
+    };
+    LoadIndex(index, {filled("fsta"), filled("f.s"), filled("fSta.B"), filled(".a"), filled("zli"),
+                      filled("Zl.b"), "fstab.conf", "libz.so", "zlib.h"});
+    const std::tuple<const char*, bool, Names> table[] = {
+        {".*fstab.*\\.[a-z]+", true, {"fstab.conf"}},
+        {".*fstab.*", true, {"fstab.conf"}},
+        {".*zlib.*\\.h", true, {"zlib.h"}},
+        {"*fstab*.?o*", false, {"fstab.conf"}},
+        {"*zlib*", false, {"zlib.h"}},
+    };
+    for (const auto& [pattern, isRegExp, expected] : table) {
+        ExpectSamePasses(index, pattern, isRegExp, false);
+        IndexSearcher plain(IndexSearcher::Pass::Plain);
+        ASSERT_TRUE(plain.Start(&index, pattern, isRegExp, false));
+        plain.RunToEnd(nullptr);
+        EXPECT_TRUE(plain.Rewind()) << pattern;
+        Names found;
+        for (int32_t i = 0; i < index.GetResultCount(); ++i)
+            found.push_back(index.GetResult(i)->GetName());
+        EXPECT_EQ(found, expected) << pattern;
+    }
+}
+
 // The finder's pass goes window by window over a scan; it finds what the plain pass finds over
 // the whole loaded index, in the same order, across windows and the pieces the file is read in.
 TEST_F(FastPassTest, FindsWhatThePlainPassFindsWindowByWindow) {
