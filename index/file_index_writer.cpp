@@ -51,7 +51,7 @@ BinaryFileIndexWriter::Begin(loam::DiskFile& file, const loam::FileSpec& locatio
         RaiseBuildInProgress();
     if (outcome != loam::FileLock::Outcome::Taken || !file.PutInPlace())
         return nullptr;
-    writer->sidecar = std::make_unique<trigram::SidecarWriter>();
+    writer->sidecar = std::make_unique<trigram::SidecarWriter>(location);
     writer->location = location;
     return writer;
 }

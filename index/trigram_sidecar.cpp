@@ -151,132 +151,170 @@ uint64_t Checksum(const void* bytes, size_t length, uint64_t seed) {
     return sum ^ (sum >> 32);
 }
 
-// The keys met so far, in an open-addressed table of key and slot, and each key's blocks as
-// gaps in variable-length bytes, in chains of chunks cut from large slabs: a chunk doubles the
-// one before it up to a limit, so a rare key costs a few bytes and a common one little slack.
-struct SidecarWriter::Keys {
-    static constexpr uint32_t Empty = UINT32_MAX;
-    static constexpr uint32_t SlabShift = 20;
-    static constexpr uint32_t SlabBytes = 1u << SlabShift;
-    static constexpr uint32_t FirstChunk = 16;
-    static constexpr uint32_t LastChunk = 512;
+namespace {
 
-    struct Key {
-        uint32_t key;
-        uint32_t nextBlock = 0;
-        uint32_t blocks = 0;
-        uint32_t bytes = 0;
-        uint32_t head = 0;
-        uint32_t tail = 0;
-        uint16_t tailUsed = 0;
-        uint16_t tailRoom = 0;
-    };
-    struct Probe {
-        uint32_t key;
-        uint32_t slot;
-    };
+// Pairs of key and block, as they are gathered: the key in the high bits.
+constexpr int BlockBits = 32;
+constexpr uint32_t KeyDigitBits = 9;
+constexpr uint32_t KeyDigits = 3;
+static_assert(KeyDigitBits * KeyDigits >= 25, "keys of three bytes and the long-name keys");
 
-    std::vector<Probe> table = std::vector<Probe>(1 << 12, Probe{Empty, 0});
-    std::vector<Key> keys;
-    std::vector<std::unique_ptr<uint8_t[]>> slabs;
-    uint32_t slabUsed = SlabBytes;
+// Sorts the pairs by key alone, keeping the order of the blocks within a key, in the passes of a
+// counting sort of a few bits each: where the pairs came in block order, each key's blocks come
+// out ascending, at a cost that grows only as fast as the pairs.
+void SortByKey(std::vector<uint64_t>& pairs, std::vector<uint64_t>& spare) {
+    constexpr size_t Buckets = size_t{1} << KeyDigitBits;
+    spare.resize(pairs.size());
+    for (uint32_t digit = 0; digit < KeyDigits; ++digit) {
+        const int shift = BlockBits + static_cast<int>(digit * KeyDigitBits);
+        size_t counts[Buckets + 1] = {};
+        for (const uint64_t pair : pairs)
+            ++counts[((pair >> shift) & (Buckets - 1)) + 1];
+        for (size_t bucket = 1; bucket <= Buckets; ++bucket)
+            counts[bucket] += counts[bucket - 1];
+        for (const uint64_t pair : pairs)
+            spare[counts[(pair >> shift) & (Buckets - 1)]++] = pair;
+        pairs.swap(spare);
+    }
+}
 
-    uint8_t* At(uint32_t reference) {
-        return slabs[reference >> SlabShift].get() + (reference & (SlabBytes - 1));
+// What a run holds for a key: the key, how many blocks, the first and the last of them, and the
+// length of the gaps after the first, which follow it.
+struct RunPiece {
+    uint32_t key;
+    uint32_t blocks;
+    uint32_t first;
+    uint32_t last;
+    uint32_t bytes;
+};
+
+} // namespace
+
+// The runs of sorted lists: in a file without a name in the index's folder, or where no such
+// file can be made, in memory.
+struct SidecarWriter::Runs {
+    static constexpr size_t FlushBytes = 1 << 20;
+
+    int descriptor = -1;
+    // What is not yet in the file; all of it, when there is no file.
+    std::vector<uint8_t> held;
+    std::vector<uint64_t> ends;
+    uint64_t size = 0;
+
+    ~Runs() {
+        if (descriptor >= 0)
+            close(descriptor);
     }
 
-    uint32_t NewChunk(uint32_t bytes) {
-        if (slabUsed + bytes > SlabBytes) {
-            slabs.push_back(std::make_unique_for_overwrite<uint8_t[]>(SlabBytes));
-            slabUsed = 0;
-        }
-        const auto reference = static_cast<uint32_t>((slabs.size() - 1) << SlabShift | slabUsed);
-        slabUsed += bytes;
-        std::memset(At(reference), 0, sizeof(uint32_t));
-        return reference;
+    // Bytes go into the held ones, which a file takes a large piece at a time.
+    bool Append(const void* bytes, size_t length) {
+        const auto* at = static_cast<const uint8_t*>(bytes);
+        held.insert(held.end(), at, at + length);
+        return descriptor < 0 || held.size() < FlushBytes || Flush();
     }
 
-    Key& Find(uint32_t key) {
-        const auto mask = static_cast<uint32_t>(table.size() - 1);
-        for (uint32_t at = (key * 0x9E3779B1u) & mask;; at = (at + 1) & mask) {
-            if (table[at].key == key)
-                return keys[table[at].slot];
-            if (table[at].key != Empty)
-                continue;
-            table[at] = {key, static_cast<uint32_t>(keys.size())};
-            keys.push_back(Key{key});
-            if (keys.size() * 4 > table.size() * 3)
-                Grow();
-            return keys.back();
+    bool Flush() {
+        if (descriptor < 0) {
+            size = held.size();
+            return true;
         }
+        const auto* at = reinterpret_cast<const char*>(held.data());
+        size_t length = held.size();
+        while (length > 0) {
+            const ssize_t put = pwrite(descriptor, at, length, static_cast<off_t>(size));
+            if (put <= 0)
+                return false;
+            at += put;
+            length -= static_cast<size_t>(put);
+            size += static_cast<uint64_t>(put);
+        }
+        held.clear();
+        return true;
     }
 
-    void Grow() {
-        std::vector<Probe> old(table.size() * 2, Probe{Empty, 0});
-        old.swap(table);
-        const auto mask = static_cast<uint32_t>(table.size() - 1);
-        for (const Probe& probe : old) {
-            if (probe.key == Empty)
-                continue;
-            uint32_t at = (probe.key * 0x9E3779B1u) & mask;
-            while (table[at].key != Empty)
-                at = (at + 1) & mask;
-            table[at] = probe;
-        }
-    }
-
-    void Add(uint32_t key, uint32_t block) {
-        Key& entry = Find(key);
-        if (entry.blocks > 0 && entry.nextBlock == block + 1)
-            return;
-        uint8_t bytes[5];
-        int length = 0;
-        PutVarint(block - entry.nextBlock, bytes, length);
-        entry.nextBlock = block + 1;
-        ++entry.blocks;
-        entry.bytes += static_cast<uint32_t>(length);
-        for (int i = 0; i < length; ++i) {
-            if (entry.tailUsed == entry.tailRoom) {
-                const uint32_t chunk = std::min<uint32_t>(
-                    entry.tailRoom == 0 ? FirstChunk : entry.tailRoom * 2 + 4, LastChunk);
-                const uint32_t reference = NewChunk(chunk);
-                if (entry.tailRoom == 0)
-                    entry.head = reference;
-                else
-                    std::memcpy(At(entry.tail), &reference, sizeof reference);
-                entry.tail = reference;
-                entry.tailUsed = 0;
-                entry.tailRoom = static_cast<uint16_t>(chunk - sizeof(uint32_t));
-            }
-            At(entry.tail)[sizeof(uint32_t) + entry.tailUsed++] = bytes[i];
-        }
-    }
-
-    // The key's bytes, gathered from its chain.
-    void Gather(const Key& entry, std::vector<uint8_t>& out) {
-        out.clear();
-        uint32_t reference = entry.head;
-        uint32_t room = FirstChunk - sizeof(uint32_t);
-        while (out.size() < entry.bytes) {
-            const uint8_t* chunk = At(reference);
-            const size_t take = std::min<size_t>(room, entry.bytes - out.size());
-            out.insert(out.end(), chunk + sizeof(uint32_t), chunk + sizeof(uint32_t) + take);
-            std::memcpy(&reference, chunk, sizeof reference);
-            room = std::min<uint32_t>(room * 2 + 4, LastChunk) - sizeof(uint32_t);
-        }
+    bool Read(uint64_t at, void* into, size_t length) const {
+        if (descriptor >= 0)
+            return ReadAt(descriptor, at, into, length);
+        if (at > held.size() || length > held.size() - at)
+            return false;
+        std::memcpy(into, held.data() + at, length);
+        return true;
     }
 };
 
-SidecarWriter::SidecarWriter()
-    : keys(std::make_unique<Keys>()), indexBytes(sizeof(IndexFileHeader)) {}
+namespace {
+
+// One run read back in order, through a buffer.
+class RunReader {
+public:
+    RunReader(const SidecarWriter::Runs& runs, uint64_t start, uint64_t end)
+        : runs(&runs), at(start), end(end) {}
+
+    // The next key's piece of the run, its gaps behind what bytes holds; false at its end, or
+    // when it cannot be read.
+    bool Next(RunPiece& piece, std::vector<uint8_t>& bytes) {
+        if (!Take(&piece, sizeof piece))
+            return false;
+        const size_t from = bytes.size();
+        bytes.resize(from + piece.bytes);
+        return Take(bytes.data() + from, piece.bytes);
+    }
+
+private:
+    static constexpr size_t BufferBytes = 1 << 16;
+
+    bool Take(void* into, size_t length) {
+        auto* out = static_cast<uint8_t*>(into);
+        while (length > 0) {
+            if (used == buffer.size()) {
+                const auto chunk = static_cast<size_t>(std::min<uint64_t>(BufferBytes, end - at));
+                buffer.resize(chunk);
+                if (chunk == 0 || !runs->Read(at, buffer.data(), chunk))
+                    return false;
+                at += chunk;
+                used = 0;
+            }
+            const size_t take = std::min(length, buffer.size() - used);
+            std::memcpy(out, buffer.data() + used, take);
+            out += take;
+            used += take;
+            length -= take;
+        }
+        return true;
+    }
+
+    const SidecarWriter::Runs* runs;
+    uint64_t at;
+    uint64_t end;
+    std::vector<uint8_t> buffer;
+    size_t used = 0;
+};
+
+} // namespace
+
+SidecarWriter::SidecarWriter(const loam::FileSpec& indexFile, size_t keptListBytes)
+    : runs(std::make_unique<Runs>()), indexBytes(sizeof(IndexFileHeader)),
+      keptPairs(std::max<size_t>(keptListBytes / sizeof(uint64_t), 1)) {
+    // The index's folder has room for the index, and so for its lists.
+    const std::string path = indexFile.GetPath().GetCString();
+    const size_t slash = path.rfind('/');
+    const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+    runs->descriptor = open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
+    // A run ends with a block, whose names may add a few pairs more than kept.
+    pairs.reserve(keptPairs + BlockRecords * (MaxIndexNameBlock + std::size(LongNameLengths)));
+}
 
 SidecarWriter::~SidecarWriter() = default;
 
 void SidecarWriter::AddRecord(const char* name, int32_t nameLength, uint32_t recordBytes) {
     const auto ordinal = static_cast<uint32_t>(recordCount++);
-    const uint32_t block = ordinal / BlockRecords;
-    if (ordinal % BlockRecords == 0)
+    const uint64_t block = ordinal / BlockRecords;
+    // A run ends with a block, so that a key's runs never share one.
+    if (ordinal % BlockRecords == 0) {
+        if (pairs.size() >= keptPairs)
+            failed = failed || !WriteRun();
         landmarks.push_back(static_cast<uint32_t>(indexBytes));
+    }
     indexBytes += recordBytes;
     // The name as a search sees it: up to its NUL, folded.
     const size_t length = strnlen(name, static_cast<size_t>(std::max(nameLength, 0)));
@@ -284,10 +322,91 @@ void SidecarWriter::AddRecord(const char* name, int32_t nameLength, uint32_t rec
     for (size_t i = 0; i < length; ++i)
         folded[i] = loam::FoldToLower(name[i]);
     for (size_t i = 0; i + 3 <= length; ++i)
-        keys->Add(KeyOf(folded.data() + i), block);
+        pairs.push_back(uint64_t{KeyOf(folded.data() + i)} << BlockBits | block);
     for (const int32_t longName : LongNameLengths) {
         if (length >= static_cast<size_t>(longName))
-            keys->Add(LongNameKey(longName), block);
+            pairs.push_back(uint64_t{LongNameKey(longName)} << BlockBits | block);
+    }
+}
+
+// Sorts the pairs gathered since the last run and writes them as the next run, key by key, each
+// key's blocks as gaps after its first: a block that several names of one block share once.
+bool SidecarWriter::WriteRun() {
+    SortByKey(pairs, spare);
+    std::vector<uint8_t> bytes;
+    bool written = true;
+    for (size_t at = 0; at < pairs.size() && written;) {
+        const auto key = static_cast<uint32_t>(pairs[at] >> BlockBits);
+        RunPiece piece{key, 1, static_cast<uint32_t>(pairs[at]), static_cast<uint32_t>(pairs[at]),
+                       0};
+        bytes.clear();
+        for (++at; at < pairs.size() && pairs[at] >> BlockBits == key; ++at) {
+            const auto block = static_cast<uint32_t>(pairs[at]);
+            if (block == piece.last)
+                continue;
+            uint8_t gap[5];
+            int length = 0;
+            PutVarint(block - piece.last - 1, gap, length);
+            bytes.insert(bytes.end(), gap, gap + length);
+            piece.last = block;
+            ++piece.blocks;
+        }
+        piece.bytes = static_cast<uint32_t>(bytes.size());
+        written = runs->Append(&piece, sizeof piece) && runs->Append(bytes.data(), bytes.size());
+    }
+    written = written && runs->Flush();
+    if (!pairs.empty())
+        runs->ends.push_back(runs->size);
+    pairs.clear();
+    return written;
+}
+
+// Hands over every key's whole list in the order of the keys, joined from the runs in turn.
+bool SidecarWriter::ForEachList(const ListTaker& take) {
+    std::vector<RunReader> readers;
+    std::vector<RunPiece> heads;
+    std::vector<std::vector<uint8_t>> headBytes;
+    std::vector<bool> open;
+    uint64_t start = 0;
+    for (const uint64_t end : runs->ends) {
+        readers.emplace_back(*runs, start, end);
+        heads.emplace_back();
+        headBytes.emplace_back();
+        open.push_back(readers.back().Next(heads.back(), headBytes.back()));
+        if (!open.back())
+            return false;
+        start = end;
+    }
+    std::vector<uint8_t> bytes;
+    for (;;) {
+        uint64_t key = UINT64_MAX;
+        for (size_t run = 0; run < readers.size(); ++run) {
+            if (open[run])
+                key = std::min<uint64_t>(key, heads[run].key);
+        }
+        if (key == UINT64_MAX)
+            return true;
+        bytes.clear();
+        uint32_t blocks = 0;
+        uint32_t next = 0;
+        for (size_t run = 0; run < readers.size(); ++run) {
+            if (!open[run] || heads[run].key != key)
+                continue;
+            const RunPiece& piece = heads[run];
+            if (piece.first < next || piece.blocks == 0)
+                return false;
+            uint8_t gap[5];
+            int length = 0;
+            PutVarint(piece.first - next, gap, length);
+            bytes.insert(bytes.end(), gap, gap + length);
+            bytes.insert(bytes.end(), headBytes[run].begin(), headBytes[run].end());
+            blocks += piece.blocks;
+            next = piece.last + 1;
+            headBytes[run].clear();
+            open[run] = readers[run].Next(heads[run], headBytes[run]);
+        }
+        if (!take(static_cast<uint32_t>(key), blocks, bytes))
+            return false;
     }
 }
 
@@ -318,19 +437,6 @@ bool SidecarWriter::Write(const loam::FileSpec& indexFile) {
     header.indexSample = sample;
     header.recordCount = recordCount;
     header.blockCount = static_cast<uint32_t>(landmarks.size());
-    header.bucketCount = BucketCountFor(keys->keys.size());
-    header.entryCount = static_cast<uint32_t>(keys->keys.size());
-
-    // Keys in the order of their buckets, and by key within one.
-    std::vector<uint32_t> order(keys->keys.size());
-    for (uint32_t i = 0; i < order.size(); ++i)
-        order[i] = i;
-    const auto place = [&](uint32_t slot) {
-        const uint32_t key = keys->keys[slot].key;
-        return std::pair(BucketOf(key, header.bucketCount), key);
-    };
-    std::sort(order.begin(), order.end(),
-              [&](uint32_t a, uint32_t b) { return place(a) < place(b); });
 
     const uint32_t pages = (header.blockCount + PageLandmarks - 1) / PageLandmarks;
     header.landmarksAt = sizeof(Header);
@@ -348,21 +454,25 @@ bool SidecarWriter::Write(const loam::FileSpec& indexFile) {
         const uint64_t sum = Checksum(landmarks.data() + first, count * sizeof(uint32_t));
         written = file.Write(&sum, sizeof sum, nullptr);
     }
+    // The lists go in the order of the keys; their entries, in the order of their buckets and
+    // by key within one, say where.
     std::vector<Entry> entries;
-    entries.reserve(order.size());
-    std::vector<uint8_t> bytes;
     uint64_t postingsBytes = 0;
-    for (const uint32_t slot : order) {
-        if (!written)
-            break;
-        const Keys::Key& key = keys->keys[slot];
-        keys->Gather(key, bytes);
-        entries.push_back({key.key, key.blocks, static_cast<uint32_t>(postingsBytes), key.bytes,
-                           Checksum(bytes.data(), bytes.size())});
-        written = postingsBytes + key.bytes <= UINT32_MAX &&
-                  (key.bytes == 0 || file.Write(bytes.data(), key.bytes, nullptr));
-        postingsBytes += key.bytes;
-    }
+    written = written && !failed && WriteRun() &&
+              ForEachList([&](uint32_t key, uint32_t blocks, const std::vector<uint8_t>& bytes) {
+                  entries.push_back({key, blocks, static_cast<uint32_t>(postingsBytes),
+                                     static_cast<uint32_t>(bytes.size()),
+                                     Checksum(bytes.data(), bytes.size())});
+                  postingsBytes += bytes.size();
+                  return postingsBytes <= UINT32_MAX &&
+                         file.Write(bytes.data(), static_cast<uint32_t>(bytes.size()), nullptr);
+              });
+    header.bucketCount = BucketCountFor(entries.size());
+    header.entryCount = static_cast<uint32_t>(entries.size());
+    std::sort(entries.begin(), entries.end(), [&header](const Entry& a, const Entry& b) {
+        return std::pair(BucketOf(a.key, header.bucketCount), a.key) <
+               std::pair(BucketOf(b.key, header.bucketCount), b.key);
+    });
     header.postingsBytes = postingsBytes;
     header.entriesAt = header.postingsAt + postingsBytes;
     header.bucketsAt = header.entriesAt + entries.size() * sizeof(Entry);
@@ -393,14 +503,14 @@ bool SidecarWriter::Write(const loam::FileSpec& indexFile) {
     return written;
 }
 
-bool WriteFileOf(const loam::FileSpec& indexFile) {
+bool WriteFileOf(const loam::FileSpec& indexFile, size_t keptListBytes) {
     IndexData index;
     loam::GetErrorState().SaveState();
     const bool loaded = index.Load(indexFile);
     loam::GetErrorState().RestoreState();
     if (!loaded)
         return false;
-    SidecarWriter writer;
+    SidecarWriter writer(indexFile, keptListBytes);
     for (int32_t ordinal = 0; ordinal < index.GetRecordCount(); ++ordinal) {
         const IndexRecord* record = index.GetRecord(ordinal);
         writer.AddRecord(record->GetName(), record->nameLength,

@@ -39,11 +39,16 @@ loam::FileSpec FileBeside(const loam::FileSpec& indexFile);
 
 uint64_t Checksum(const void* bytes, size_t length, uint64_t seed = 0);
 
-// Gathers the blocks of every key while a build writes its records, in a few bytes per block
-// and key, and writes the file once the index is sealed.
+// Gathers the key and block of every three bytes of the names while a build writes its records,
+// sorted and written out in runs that keep its memory small, and writes the file from the runs
+// once the index is sealed.
 class SidecarWriter {
 public:
-    SidecarWriter();
+    // The memory that the keys and blocks gathered between two runs may take.
+    static constexpr size_t DefaultKeptListBytes = size_t{8} << 20;
+
+    explicit SidecarWriter(const loam::FileSpec& indexFile,
+                           size_t keptListBytes = DefaultKeptListBytes);
     SidecarWriter(const SidecarWriter&) = delete;
     SidecarWriter& operator=(const SidecarWriter&) = delete;
     ~SidecarWriter();
@@ -56,18 +61,32 @@ public:
     // False, with nothing raised, when no file was made.
     bool Write(const loam::FileSpec& indexFile);
 
+    struct Runs;
+
 private:
-    struct Keys;
-    std::unique_ptr<Keys> keys;
+    using ListTaker =
+        std::function<bool(uint32_t key, uint32_t blocks, const std::vector<uint8_t>& bytes)>;
+
+    bool WriteRun();
+    bool ForEachList(const ListTaker& take);
+
+    std::unique_ptr<Runs> runs;
     std::vector<uint32_t> landmarks;
     uint64_t indexBytes;
     int32_t recordCount = 0;
     std::string folded;
+    // Key and block of every key of every name since the last run, and room to sort them.
+    std::vector<uint64_t> pairs;
+    std::vector<uint64_t> spare;
+    size_t keptPairs;
+    // Whether a run could not be written, which leaves no whole lists to write.
+    bool failed = false;
 };
 
 // Writes the trigram file of an index file that is already on the disk, from its records as
 // they load. False, with nothing raised, when it cannot be loaded or the file not written.
-bool WriteFileOf(const loam::FileSpec& indexFile);
+bool WriteFileOf(const loam::FileSpec& indexFile,
+                 size_t keptListBytes = SidecarWriter::DefaultKeptListBytes);
 
 // A trigram file opened for one search, over the index it belongs to, both held open so that
 // what was checked is what is read. Every part read is checked against its checksum; any

@@ -208,6 +208,16 @@ TEST_F(CandidateSearchTest, TheFileIsSmallBesideTheIndex) {
     EXPECT_EQ(status.st_mode & 0777, 0600u);
 }
 
+// However little memory the build keeps for the lists between its runs, the file is the same.
+TEST_F(CandidateSearchTest, TheFileIsTheSameHoweverLittleTheBuildKeeps) {
+    WriteIndex("index", 3, 4000);
+    const std::string written = ReadWhole("index.trigrams");
+    for (const size_t kept : {size_t{8}, size_t{1000}, size_t{1} << 16}) {
+        ASSERT_TRUE(trigram::WriteFileOf(FileAt("index"), kept));
+        EXPECT_EQ(ReadWhole("index.trigrams"), written) << kept;
+    }
+}
+
 // Whatever is damaged, stale or missing, the answer is the whole pass's.
 TEST_F(CandidateSearchTest, DamagedOrStaleFilesLeaveTheSearchToTheWholePass) {
     WriteIndex("other", 12, 3000);
