@@ -14,6 +14,7 @@
 #include <bit>
 #include <cstring>
 #include <unordered_map>
+#include <utility>
 
 namespace trigram {
 
@@ -164,16 +165,25 @@ static_assert(KeyDigitBits * KeyDigits >= 25, "keys of three bytes and the long-
 // out ascending, at a cost that grows only as fast as the pairs.
 void SortByKey(std::vector<uint64_t>& pairs, std::vector<uint64_t>& spare) {
     constexpr size_t Buckets = size_t{1} << KeyDigitBits;
+    const auto digitOf = [](uint64_t pair, uint32_t digit) {
+        return (pair >> (BlockBits + static_cast<int>(digit * KeyDigitBits))) & (Buckets - 1);
+    };
+    // Where each digit's buckets start, counted in one reading of the pairs.
+    std::vector<size_t> starts(KeyDigits * Buckets, 0);
+    for (const uint64_t pair : pairs) {
+        for (uint32_t digit = 0; digit < KeyDigits; ++digit)
+            ++starts[digit * Buckets + digitOf(pair, digit)];
+    }
+    for (uint32_t digit = 0; digit < KeyDigits; ++digit) {
+        size_t sum = 0;
+        for (size_t bucket = 0; bucket < Buckets; ++bucket)
+            sum += std::exchange(starts[digit * Buckets + bucket], sum);
+    }
     spare.resize(pairs.size());
     for (uint32_t digit = 0; digit < KeyDigits; ++digit) {
-        const int shift = BlockBits + static_cast<int>(digit * KeyDigitBits);
-        size_t counts[Buckets + 1] = {};
+        size_t* start = &starts[digit * Buckets];
         for (const uint64_t pair : pairs)
-            ++counts[((pair >> shift) & (Buckets - 1)) + 1];
-        for (size_t bucket = 1; bucket <= Buckets; ++bucket)
-            counts[bucket] += counts[bucket - 1];
-        for (const uint64_t pair : pairs)
-            spare[counts[(pair >> shift) & (Buckets - 1)]++] = pair;
+            spare[start[digitOf(pair, digit)]++] = pair;
         pairs.swap(spare);
     }
 }
@@ -261,7 +271,7 @@ public:
     }
 
 private:
-    static constexpr size_t BufferBytes = 1 << 16;
+    static constexpr size_t BufferBytes = 1 << 14;
 
     bool Take(void* into, size_t length) {
         auto* out = static_cast<uint8_t*>(into);
@@ -322,11 +332,22 @@ void SidecarWriter::AddRecord(const char* name, int32_t nameLength, uint32_t rec
     for (size_t i = 0; i < length; ++i)
         folded[i] = loam::FoldToLower(name[i]);
     for (size_t i = 0; i + 3 <= length; ++i)
-        pairs.push_back(uint64_t{KeyOf(folded.data() + i)} << BlockBits | block);
+        AddPair(uint64_t{KeyOf(folded.data() + i)} << BlockBits | block);
     for (const int32_t longName : LongNameLengths) {
         if (length >= static_cast<size_t>(longName))
-            pairs.push_back(uint64_t{LongNameKey(longName)} << BlockBits | block);
+            AddPair(uint64_t{LongNameKey(longName)} << BlockBits | block);
     }
+}
+
+// Names side by side share many keys, most of all within a block; a small table of the pairs
+// met last keeps most repeats out of the pairs to sort.
+void SidecarWriter::AddPair(uint64_t pair) {
+    const auto key = static_cast<uint32_t>(pair >> BlockBits);
+    uint64_t& met = recentPairs[key * 0x9E3779B1u >> (32 - RecentPairBits)];
+    if (met == pair)
+        return;
+    met = pair;
+    pairs.push_back(pair);
 }
 
 // Sorts the pairs gathered since the last run and writes them as the next run, key by key, each

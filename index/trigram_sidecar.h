@@ -45,7 +45,7 @@ uint64_t Checksum(const void* bytes, size_t length, uint64_t seed = 0);
 class SidecarWriter {
 public:
     // The memory that the keys and blocks gathered between two runs may take.
-    static constexpr size_t DefaultKeptListBytes = size_t{8} << 20;
+    static constexpr size_t DefaultKeptListBytes = size_t{4} << 20;
 
     explicit SidecarWriter(const loam::FileSpec& indexFile,
                            size_t keptListBytes = DefaultKeptListBytes);
@@ -67,6 +67,7 @@ private:
     using ListTaker =
         std::function<bool(uint32_t key, uint32_t blocks, const std::vector<uint8_t>& bytes)>;
 
+    void AddPair(uint64_t pair);
     bool WriteRun();
     bool ForEachList(const ListTaker& take);
 
@@ -78,6 +79,8 @@ private:
     // Key and block of every key of every name since the last run, and room to sort them.
     std::vector<uint64_t> pairs;
     std::vector<uint64_t> spare;
+    static constexpr int RecentPairBits = 12;
+    std::vector<uint64_t> recentPairs = std::vector<uint64_t>(size_t{1} << RecentPairBits, 0);
     size_t keptPairs;
     // Whether a run could not be written, which leaves no whole lists to write.
     bool failed = false;
