@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <numeric>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -245,19 +244,12 @@ void Gtk_ListBoxImp::DisableSorting() {
     }
 }
 
-// The order is found first, with the rows in place, and then the rows move at once: a view that
-// shows them follows each to its new place, with its selection, and tells the accessibility layer
-// of the new order once.
-void Gtk_ListBoxImp::SortRows(const std::function<int32_t(int32_t, int32_t)>& compare) {
-    ListRows* rows = GetRows();
-    if (rows == nullptr || rows->GetCount() < 2) {
-        return;
+// The rows move at once: a view that shows them tells the accessibility layer of the new order
+// once.
+void Gtk_ListBoxImp::ReorderRows(const std::vector<int32_t>& order) {
+    if (ListRows* rows = GetRows()) {
+        rows->Reorder(order);
     }
-    std::vector<int32_t> order(static_cast<size_t>(rows->GetCount()));
-    std::iota(order.begin(), order.end(), 0);
-    std::stable_sort(order.begin(), order.end(),
-                     [&compare](int32_t a, int32_t b) { return compare(a, b) < 0; });
-    rows->Reorder(order);
 }
 
 void Gtk_ListBoxImp::ShowSortColumn(int32_t column, SortDirection direction) {
