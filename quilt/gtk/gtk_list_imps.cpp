@@ -478,7 +478,7 @@ int32_t Gtk_DropDownListImp::NativeInsert(int32_t at, const loam::String& text, 
     std::string id = std::to_string(data);
     QuietChange quiet(GetNative());
     gtk_combo_box_text_insert(GTK_COMBO_BOX_TEXT(combo), place, id.c_str(),
-                              ToDisplayText(text).c_str());
+                              ToEditableText(text).c_str());
     return place;
 }
 
@@ -497,7 +497,7 @@ bool Gtk_DropDownListImp::NativeSetItemText(int32_t row, const loam::String& tex
     if (!GetIter(row, iter)) {
         return false;
     }
-    gtk_list_store_set(GetStore(), &iter, 0, ToDisplayText(text).c_str(), -1);
+    gtk_list_store_set(GetStore(), &iter, 0, ToEditableText(text).c_str(), -1);
     return true;
 }
 

@@ -163,6 +163,16 @@ std::string ToDisplayText(const char* bytes) {
     return loam::MakeDisplayText(bytes).GetCString();
 }
 
+std::string ToEditableText(const char* bytes) {
+    return g_utf8_validate(bytes, -1, nullptr) ? std::string(bytes) : ToDisplayText(bytes);
+}
+
+std::string ToBoxText(GtkWidget* box, const loam::String& bytes) {
+    bool editable = GTK_IS_TEXT_VIEW(box) ? gtk_text_view_get_editable(GTK_TEXT_VIEW(box))
+                                          : gtk_editable_get_editable(GTK_EDITABLE(box));
+    return editable ? ToEditableText(bytes) : ToDisplayText(bytes);
+}
+
 std::string ToMnemonicText(const char* text) {
     std::string shown = ToDisplayText(text);
     std::string marked;
