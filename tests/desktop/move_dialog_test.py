@@ -6,11 +6,10 @@ dialog below the button. Cancel stops the copy and leaves the index where it was
 import os
 import sys
 
-from sorvanta_desktop import (Atspi, Session, check, end_with_escape, extents, run, text_of,
-                              wait_for)
+from sorvanta_desktop import (Atspi, Session, check, end_with_escape, enter_index_folder,
+                              extents, run, wait_for)
 
 TITLE = "Sorvanta - v1.14"
-OPTIONS = "Sorvanta Options"
 MOVING = "Moving existing index file..."
 # An index file large enough for its copy to outlast a look at the dialog; it has holes, so it
 # takes no room in the index folder.
@@ -32,15 +31,7 @@ def test(session):
     window = session.window(TITLE)
     with open(index, "r+b") as grown:
         grown.truncate(INDEX_BYTES)
-    session.focus(window)
-    session.click(session.control(window, Atspi.Role.PUSH_BUTTON, "Options..."))
-    options = session.window(OPTIONS)
-    box = session.control(options, Atspi.Role.TEXT)
-    session.click(box)
-    session.keys("ctrl+a", "BackSpace")
-    session.type(target)
-    wait_for("the new folder in the box", lambda: text_of(box) == target)
-    session.click(session.control(options, Atspi.Role.PUSH_BUTTON, "OK"))
+    options, _ = enter_index_folder(session, window, target)
 
     dialog = session.window(MOVING)
     bar = wait_for("the dialog's bar", lambda: session.controls(dialog, Atspi.Role.PROGRESS_BAR))[0]

@@ -327,6 +327,23 @@ def search(session, window, pattern):
     session.keys("Return")
 
 
+def enter_index_folder(session, window, folder):
+    """Opens the options from the search window, types `folder` into the index location's box
+    and presses OK; gives the options dialog and that box."""
+    session.focus(window)
+    session.click(session.control(window, Atspi.Role.PUSH_BUTTON, "Options..."))
+    options = session.window("Sorvanta Options")
+    box = wait_for("the index location's box", lambda: [
+        node for node in session.controls(options, Atspi.Role.TEXT)
+        if text_of(node).startswith("/")])[0]
+    session.click(box)
+    session.keys("ctrl+a", "BackSpace")
+    session.type(folder)
+    wait_for("the new folder in the box", lambda: text_of(box) == folder)
+    session.click(session.control(options, Atspi.Role.PUSH_BUTTON, "OK"))
+    return options, box
+
+
 def run(test, session):
     """Runs one test function on a session; exit code 0 when it passed."""
     try:
