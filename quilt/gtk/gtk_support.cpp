@@ -43,6 +43,7 @@ constexpr KeyRun keyRuns[] = {
     {GDK_KEY_Control_L, GDK_KEY_Control_R, KeyControl},
     {GDK_KEY_Alt_L, GDK_KEY_Alt_R, KeyAlt},
     {GDK_KEY_F1, GDK_KEY_F24, KeyF1},
+    {GDK_KEY_Menu, GDK_KEY_Menu, KeyMenu},
 };
 
 struct ModifierBit {

@@ -85,9 +85,11 @@ void ListDoubleClick(OffscreenListView& list, const OffscreenMessage& message) {
     NotifyWhileThere(handle, ControlEvent::ItemActivated, AsDetail(row));
 }
 
-// Shift+F10 asks for the menu of the selected row, beside the row.
+// The Menu key, or Shift+F10 on a keyboard without one, asks for the menu of the selected row,
+// beside the row.
 bool IsMenuKey(const OffscreenMessage& message) {
-    return message.value == KeyF10 && (message.flags & ModifierShift) != 0;
+    return message.value == KeyMenu ||
+           (message.value == KeyF10 && (message.flags & ModifierShift) != 0);
 }
 
 void ListKeyDown(OffscreenListView& list, const OffscreenMessage& message) {

@@ -64,6 +64,7 @@ TEST(GtkKeys, KeysAndModifiersBecomeTheToolkitsCodes) {
          quilt::ModifierShift | quilt::ModifierControl},
         {GDK_KEY_7, 0, true, '7', 0},
         {GDK_KEY_F24, 0, true, quilt::KeyF24, 0},
+        {GDK_KEY_Menu, 0, true, quilt::KeyMenu, 0},
         {GDK_KEY_Down, GDK_SUPER_MASK, true, quilt::KeyDown, quilt::ModifierSuper},
         {GDK_KEY_Page_Up, 0, false, 0, 0},
         {GDK_KEY_Home, 0, false, 0, 0},
