@@ -13,7 +13,6 @@ a client that follows the table does."""
 
 import os
 import statistics
-import subprocess
 import sys
 import time
 

@@ -23,6 +23,7 @@ enum KeyCode : int32_t {
     KeyF1 = 139,
     KeyF10 = 148,
     KeyF24 = 162,
+    KeyMenu = 163, // the key that asks for the focused control's context menu
 };
 
 // Modifier flags given with a key.

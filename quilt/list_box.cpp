@@ -3,6 +3,9 @@
 #include "quilt/imp_factory.h"
 #include "quilt/message_target.h"
 
+#include <algorithm>
+#include <numeric>
+
 namespace quilt {
 
 namespace {
@@ -91,9 +94,17 @@ void ListBoxImp::SortByColumn() {
         list->GetSortDirection() == SortDescending ? SortDescending : SortAscending;
     int32_t sign = direction == SortDescending ? -1 : 1;
     int32_t column = sortColumn;
-    SortRows([list, sign, column](int32_t a, int32_t b) {
-        return sign * list->CompareItems(a, b, column);
+    std::vector<int32_t> order(static_cast<size_t>(std::max(list->GetCount(), 0)));
+    std::iota(order.begin(), order.end(), 0);
+    // The rows stay where they are until the order is found; rows that compare equal keep theirs.
+    list->BeginSortSnapshot(column);
+    std::stable_sort(order.begin(), order.end(), [list, sign, column](int32_t a, int32_t b) {
+        return sign * list->CompareItems(a, b, column) < 0;
     });
+    list->EndSortSnapshot();
+    if (order.size() > 1) {
+        ReorderRows(order);
+    }
     ShowSortColumn(column, direction);
 }
 

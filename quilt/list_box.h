@@ -5,7 +5,7 @@
 #include "quilt/list_control.h"
 
 #include <cstdint>
-#include <functional>
+#include <vector>
 
 namespace quilt {
 
@@ -24,11 +24,9 @@ public:
     NotificationAnswer TranslateNotification(const NativeNotification& notification,
                                              NotificationTranslation& out) override;
 
-    // Puts the native rows in the order `compare` gives; it is handed two rows' indexes from
-    // before the sort, answers negative, 0 or positive, and reads the rows through this Imp
-    // while the sort runs, so the rows must stay where they are until it has finished. Rows
-    // that compare equal keep their order.
-    virtual void SortRows(const std::function<int32_t(int32_t, int32_t)>& compare) = 0;
+    // Puts the native rows in a new order at once: place i gets the row that stood at
+    // `order[i]`. A view that shows them follows each row to its new place, with its selection.
+    virtual void ReorderRows(const std::vector<int32_t>& order) = 0;
     // The heading of `column` shows that the rows are sorted by it in `direction`, and no other
     // heading shows a sort; until the rows go, as nothing then stands in that order.
     virtual void ShowSortColumn(int32_t column, SortDirection direction) = 0;

@@ -1,5 +1,7 @@
 #include "quilt/list_control.h"
 
+#include <algorithm>
+
 namespace quilt {
 
 namespace {
@@ -22,6 +24,47 @@ bool ListControl::AddItems(const loam::ResourceId* items) {
         }
     }
     return true;
+}
+
+bool ListControl::GetItemText(int32_t row, loam::String& text, int32_t column) {
+    if (const loam::String* copy = GetSnapshotText(row, column)) {
+        text = *copy;
+        return true;
+    }
+    return listImp->GetItemText(row, text, column);
+}
+
+bool ListControl::GetItemData(int32_t row, uint32_t& data) {
+    if (snapshot != nullptr && row >= 0 && static_cast<size_t>(row) < snapshot->data.size()) {
+        data = snapshot->data[static_cast<size_t>(row)];
+        return true;
+    }
+    return listImp->GetItemData(row, data);
+}
+
+void ListControl::BeginSortSnapshot(int32_t column) {
+    auto copy = std::make_unique<SortSnapshot>();
+    copy->column = column;
+    auto count = static_cast<size_t>(std::max(GetCount(), 0));
+    copy->data.resize(count);
+    bool byText = GetColumnSorter(column) == &ListControl::CompareText;
+    copy->texts.resize(byText ? count : 0);
+    for (size_t row = 0; row < count; ++row) {
+        auto index = static_cast<int32_t>(row);
+        if (!listImp->GetItemData(index, copy->data[row]) ||
+            (byText && !listImp->GetItemText(index, copy->texts[row], column))) {
+            return;
+        }
+    }
+    snapshot = std::move(copy);
+}
+
+const loam::String* ListControl::GetSnapshotText(int32_t row, int32_t column) const {
+    if (snapshot == nullptr || column != snapshot->column || row < 0 ||
+        static_cast<size_t>(row) >= snapshot->texts.size()) {
+        return nullptr;
+    }
+    return &snapshot->texts[static_cast<size_t>(row)];
 }
 
 bool ListControl::SelectItemByText(const loam::String& text) {
@@ -89,6 +132,11 @@ int32_t ListControl::CompareItems(int32_t rowA, int32_t rowB, int32_t column) {
 
 int32_t ListControl::CompareText(ListControl* list, uintptr_t, int32_t rowA, int32_t rowB,
                                  int32_t column) {
+    const loam::String* copyA = list->GetSnapshotText(rowA, column);
+    const loam::String* copyB = list->GetSnapshotText(rowB, column);
+    if (copyA != nullptr && copyB != nullptr) {
+        return copyA->Compare(*copyB);
+    }
     loam::String textA;
     loam::String textB;
     if (!list->GetItemText(rowA, textA, column) || !list->GetItemText(rowB, textB, column)) {

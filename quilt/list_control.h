@@ -6,6 +6,7 @@
 #include "quilt/window_imp.h"
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace quilt {
@@ -74,13 +75,9 @@ public:
     virtual bool SetItemText(int32_t row, const loam::String& text, int32_t column = 0) {
         return listImp->SetItemText(row, text, column);
     }
-    virtual bool GetItemText(int32_t row, loam::String& text, int32_t column = 0) {
-        return listImp->GetItemText(row, text, column);
-    }
+    virtual bool GetItemText(int32_t row, loam::String& text, int32_t column = 0);
     virtual bool SetItemData(int32_t row, uint32_t data) { return listImp->SetItemData(row, data); }
-    virtual bool GetItemData(int32_t row, uint32_t& data) {
-        return listImp->GetItemData(row, data);
-    }
+    virtual bool GetItemData(int32_t row, uint32_t& data);
     virtual bool SelectItem(int32_t row) { return listImp->SelectItem(row); }
     virtual bool SelectItemByText(const loam::String& text);
     virtual bool SelectItemByResource(const loam::ResourceId& text);
@@ -105,6 +102,12 @@ public:
     virtual uintptr_t GetColumnSorterData(int32_t column);
     virtual int32_t CompareItems(int32_t rowA, int32_t rowB, int32_t column);
 
+    // A sort compares each row many times while the rows stand still, so between these two
+    // calls every row's data word, and its text in `column` when the column sorts by text, is
+    // read from one copy taken at the start. A row that can't be read leaves the copy untaken.
+    void BeginSortSnapshot(int32_t column);
+    void EndSortSnapshot() { snapshot.reset(); }
+
     void SetItemHeight(int32_t height) { listImp->SetItemHeight(height); }
     void MeasureItems() { listImp->MeasureItems(); }
 
@@ -118,7 +121,17 @@ private:
         uintptr_t data;
     };
 
+    struct SortSnapshot {
+        int32_t column = -1;
+        std::vector<uint32_t> data;
+        std::vector<loam::String> texts; // empty when the column sorts by its own function
+    };
+
+    // The copy's text of the row in the column, or null when the copy does not hold it.
+    const loam::String* GetSnapshotText(int32_t row, int32_t column) const;
+
     ListControlImp* listImp;
+    std::unique_ptr<SortSnapshot> snapshot;
     ListSorter defaultSorter = nullptr;
     uintptr_t defaultSorterData = 0;
     std::vector<ColumnSorter> sorters;

@@ -16,9 +16,11 @@ constexpr char entryMissingText[] = "The application tried to open a file that d
 // The desktop's interface for showing files in its file manager.
 constexpr char fileManagerName[] = "org.freedesktop.FileManager1";
 constexpr char fileManagerPath[] = "/org/freedesktop/FileManager1";
-// A file manager that does not answer in this time is taken for absent. The window waits for
-// the answer, so the time is short.
+// A file manager that does not answer in this time is taken for absent, and the folder opens as
+// the double click opens it. The window goes on meanwhile: only the bus daemon's answer to whether
+// a file manager is there is waited for, and the daemon answers at once.
 constexpr gint fileManagerTimeout = 3000;
+constexpr gint busTimeout = 1000;
 
 struct LaunchFailure {
     GQuark (*domain)();
@@ -63,52 +65,57 @@ bool LaunchDefault(const loam::FileSpec& place, GError** error) {
     return launched;
 }
 
-// One call on the session bus; the reply, or null.
-GVariant* CallBus(GDBusConnection* bus, const char* name, const char* path, const char* method,
-                  GVariant* arguments) {
-    return g_dbus_connection_call_sync(bus, name, path, name, method, arguments, nullptr,
-                                       G_DBUS_CALL_FLAGS_NO_AUTO_START, fileManagerTimeout, nullptr,
-                                       nullptr);
-}
-
 bool IsFileManagerThere(GDBusConnection* bus) {
-    GVariant* reply = CallBus(bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "NameHasOwner",
-                              g_variant_new("(s)", fileManagerName));
+    GVariant* reply = g_dbus_connection_call_sync(
+        bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+        "NameHasOwner", g_variant_new("(s)", fileManagerName), G_VARIANT_TYPE("(b)"),
+        G_DBUS_CALL_FLAGS_NONE, busTimeout, nullptr, nullptr);
     if (reply == nullptr) {
         return false;
     }
     gboolean owned = FALSE;
-    if (g_variant_is_of_type(reply, G_VARIANT_TYPE("(b)"))) {
-        g_variant_get(reply, "(b)", &owned);
-    }
+    g_variant_get(reply, "(b)", &owned);
     g_variant_unref(reply);
     return owned;
 }
 
-// Only a file manager that is running is asked: none is started for the purpose.
-bool ShowItemThroughFileManager(const loam::FileSpec& entry) {
+// The folder to open when the file manager's answer is a failure, or none comes in time. No
+// caller is left to report that open's own failure to: the desktop had a file manager a moment
+// before, so it is not expected to fail.
+void OnShowItemsAnswer(GObject* bus, GAsyncResult* result, gpointer folderPath) {
+    GVariant* reply = g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, nullptr);
+    if (reply != nullptr) {
+        g_variant_unref(reply);
+    } else if (!OpenFolderInShell(loam::FileSpec(static_cast<const char*>(folderPath)))) {
+        loam::ClearErrors();
+    }
+    g_free(folderPath);
+}
+
+// Only a file manager that is running is asked: none is started for the purpose. True once it
+// has been asked; its answer comes later.
+bool AskFileManagerToShow(const loam::FileSpec& entry, const loam::FileSpec& folder) {
     gchar* uri = g_filename_to_uri(entry.GetPath().GetCString(), nullptr, nullptr);
     GDBusConnection* bus =
         uri != nullptr ? g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr) : nullptr;
-    bool shown = false;
+    bool asked = false;
     if (bus != nullptr) {
         // The shared connection would end the process when the bus goes away.
         g_dbus_connection_set_exit_on_close(bus, FALSE);
     }
     if (bus != nullptr && IsFileManagerThere(bus)) {
         const gchar* uris[] = {uri, nullptr};
-        GVariant* reply = CallBus(bus, fileManagerName, fileManagerPath, "ShowItems",
-                                  g_variant_new("(^ass)", uris, ""));
-        shown = reply != nullptr;
-        if (reply != nullptr) {
-            g_variant_unref(reply);
-        }
+        g_dbus_connection_call(bus, fileManagerName, fileManagerPath, fileManagerName, "ShowItems",
+                               g_variant_new("(^ass)", uris, ""), nullptr,
+                               G_DBUS_CALL_FLAGS_NO_AUTO_START, fileManagerTimeout, nullptr,
+                               OnShowItemsAnswer, g_strdup(folder.GetPath().GetCString()));
+        asked = true;
     }
     if (bus != nullptr) {
         g_object_unref(bus);
     }
     g_free(uri);
-    return shown;
+    return asked;
 }
 
 } // namespace
@@ -129,7 +136,7 @@ bool OpenWithDefaultApplication(const loam::FileSpec& entry) {
 
 bool ShowInFolder(const loam::FileSpec& entry, const loam::FileSpec& folder) {
     if (folder.GetKind() == loam::FileKindFolder && entry.GetKind() != loam::FileKindNone &&
-        ShowItemThroughFileManager(entry)) {
+        AskFileManagerToShow(entry, folder)) {
         return true;
     }
     return OpenFolderInShell(folder);

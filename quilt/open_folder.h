@@ -14,7 +14,8 @@ bool OpenWithDefaultApplication(const loam::FileSpec& entry);
 
 // Opens `folder` with `entry` selected in it: through the file manager that owns the desktop's
 // FileManager1 name on the session bus, when one does and the entry is there; otherwise as
-// OpenFolderInShell opens the folder alone.
+// OpenFolderInShell opens the folder alone. The file manager's answer comes later, through the
+// main loop; when it is a failure, or none comes in time, the folder opens alone then.
 bool ShowInFolder(const loam::FileSpec& entry, const loam::FileSpec& folder);
 
 } // namespace quilt

@@ -140,12 +140,15 @@ bool Gtk_EditBoxImp::Create(Window* parent, const Rect& rect) {
 
 void Gtk_EditBoxImp::AppendText(const loam::String& text) {
     GtkWidget* inner = GetInner();
-    std::string shown = ToDisplayText(text);
-    if (inner != nullptr && GTK_IS_ENTRY(inner)) {
+    if (inner == nullptr || !(GTK_IS_ENTRY(inner) || GTK_IS_TEXT_VIEW(inner))) {
+        return;
+    }
+    std::string shown = ToBoxText(inner, text);
+    if (GTK_IS_ENTRY(inner)) {
         gint end = gtk_entry_get_text_length(GTK_ENTRY(inner));
         gtk_editable_insert_text(GTK_EDITABLE(inner), shown.c_str(), -1, &end);
         gtk_editable_set_position(GTK_EDITABLE(inner), end);
-    } else if (inner != nullptr && GTK_IS_TEXT_VIEW(inner)) {
+    } else {
         GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(inner));
         GtkTextIter end;
         gtk_text_buffer_get_end_iter(buffer, &end);
@@ -158,20 +161,23 @@ void Gtk_EditBoxImp::AppendText(const loam::String& text) {
 // then.
 void Gtk_EditBoxImp::InsertText(const loam::String& text, bool moveCaret) {
     GtkWidget* inner = GetInner();
-    std::string shown = ToDisplayText(text);
+    if (inner == nullptr || !(GTK_IS_ENTRY(inner) || GTK_IS_TEXT_VIEW(inner))) {
+        return;
+    }
+    std::string shown = ToBoxText(inner, text);
     gint caret = 0;
-    if (inner != nullptr && GTK_IS_ENTRY(inner)) {
+    if (GTK_IS_ENTRY(inner)) {
         auto* editable = GTK_EDITABLE(inner);
         gtk_editable_delete_selection(editable);
         caret = gtk_editable_get_position(editable);
         gtk_editable_insert_text(editable, shown.c_str(), -1, &caret);
-    } else if (inner != nullptr && GTK_IS_TEXT_VIEW(inner)) {
+    } else {
         GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(inner));
         gtk_text_buffer_delete_selection(buffer, TRUE, TRUE);
         gtk_text_buffer_insert_at_cursor(buffer, shown.c_str(), -1);
         caret = GetCaret();
     }
-    if (moveCaret && GetInner() != nullptr) {
+    if (moveCaret) {
         SetFocus();
         SetCaret(caret);
     }

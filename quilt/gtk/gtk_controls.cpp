@@ -131,7 +131,8 @@ GtkWidget* MakeEdit(GtkNative& native, uint32_t style, const char* text) {
     bool editable = (style & StyleReadOnly) == 0;
     if ((style & StyleMultiLine) == 0) {
         GtkWidget* entry = gtk_entry_new();
-        gtk_entry_set_text(GTK_ENTRY(entry), ToDisplayText(text).c_str());
+        gtk_entry_set_text(GTK_ENTRY(entry),
+                           (editable ? ToEditableText(text) : ToDisplayText(text)).c_str());
         gtk_editable_set_editable(GTK_EDITABLE(entry), editable);
         gtk_entry_set_has_frame(GTK_ENTRY(entry), (style & StyleBorder) != 0 || editable);
         gtk_entry_set_width_chars(GTK_ENTRY(entry), 1);
@@ -144,7 +145,8 @@ GtkWidget* MakeEdit(GtkNative& native, uint32_t style, const char* text) {
     }
     GtkWidget* view = gtk_text_view_new();
     GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(view));
-    gtk_text_buffer_set_text(buffer, ToDisplayText(text).c_str(), -1);
+    gtk_text_buffer_set_text(buffer,
+                             (editable ? ToEditableText(text) : ToDisplayText(text)).c_str(), -1);
     gtk_text_view_set_editable(GTK_TEXT_VIEW(view), editable);
     gtk_text_view_set_cursor_visible(GTK_TEXT_VIEW(view), editable);
     bool wraps = (style & StyleAutoHScroll) == 0;
@@ -277,12 +279,12 @@ bool SetControlText(GtkWidget* control, const loam::String& text) {
         gtk_label_set_text_with_mnemonic(GTK_LABEL(inner),
                                          ToMnemonicText(text.GetCString()).c_str());
     } else if (GTK_IS_ENTRY(inner)) {
-        gtk_entry_set_text(GTK_ENTRY(inner), shown.c_str());
+        gtk_entry_set_text(GTK_ENTRY(inner), ToBoxText(inner, text).c_str());
     } else if (GTK_IS_COMBO_BOX(inner)) {
-        gtk_entry_set_text(GetDropDownEntry(inner), shown.c_str());
+        gtk_entry_set_text(GetDropDownEntry(inner), ToEditableText(text).c_str());
     } else if (GTK_IS_TEXT_VIEW(inner)) {
         GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(inner));
-        gtk_text_buffer_set_text(buffer, shown.c_str(), -1);
+        gtk_text_buffer_set_text(buffer, ToBoxText(inner, text).c_str(), -1);
     } else {
         return false;
     }

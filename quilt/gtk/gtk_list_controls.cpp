@@ -180,7 +180,7 @@ GtkWidget* MakeListView(GtkNative& native, uint32_t style, const char*) {
 GtkWidget* MakeDropDownList(GtkNative& native, uint32_t, const char* text) {
     GtkWidget* combo = gtk_combo_box_text_new_with_entry();
     GtkEntry* entry = GetDropDownEntry(combo);
-    gtk_entry_set_text(entry, ToDisplayText(text).c_str());
+    gtk_entry_set_text(entry, ToEditableText(text).c_str());
     gtk_entry_set_width_chars(entry, 1);
     GtkNative& field = AttachNative(GTK_WIDGET(entry));
     field.id = DropDownEditId;

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <numeric>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -245,19 +244,12 @@ void Gtk_ListBoxImp::DisableSorting() {
     }
 }
 
-// The order is found first, with the rows in place, and then the rows move at once: a view that
-// shows them follows each to its new place, with its selection, and tells the accessibility layer
-// of the new order once.
-void Gtk_ListBoxImp::SortRows(const std::function<int32_t(int32_t, int32_t)>& compare) {
-    ListRows* rows = GetRows();
-    if (rows == nullptr || rows->GetCount() < 2) {
-        return;
+// The rows move at once: a view that shows them tells the accessibility layer of the new order
+// once.
+void Gtk_ListBoxImp::ReorderRows(const std::vector<int32_t>& order) {
+    if (ListRows* rows = GetRows()) {
+        rows->Reorder(order);
     }
-    std::vector<int32_t> order(static_cast<size_t>(rows->GetCount()));
-    std::iota(order.begin(), order.end(), 0);
-    std::stable_sort(order.begin(), order.end(),
-                     [&compare](int32_t a, int32_t b) { return compare(a, b) < 0; });
-    rows->Reorder(order);
 }
 
 void Gtk_ListBoxImp::ShowSortColumn(int32_t column, SortDirection direction) {
@@ -486,7 +478,7 @@ int32_t Gtk_DropDownListImp::NativeInsert(int32_t at, const loam::String& text, 
     std::string id = std::to_string(data);
     QuietChange quiet(GetNative());
     gtk_combo_box_text_insert(GTK_COMBO_BOX_TEXT(combo), place, id.c_str(),
-                              ToDisplayText(text).c_str());
+                              ToEditableText(text).c_str());
     return place;
 }
 
@@ -505,7 +497,7 @@ bool Gtk_DropDownListImp::NativeSetItemText(int32_t row, const loam::String& tex
     if (!GetIter(row, iter)) {
         return false;
     }
-    gtk_list_store_set(GetStore(), &iter, 0, ToDisplayText(text).c_str(), -1);
+    gtk_list_store_set(GetStore(), &iter, 0, ToEditableText(text).c_str(), -1);
     return true;
 }
 

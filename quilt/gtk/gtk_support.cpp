@@ -43,6 +43,7 @@ constexpr KeyRun keyRuns[] = {
     {GDK_KEY_Control_L, GDK_KEY_Control_R, KeyControl},
     {GDK_KEY_Alt_L, GDK_KEY_Alt_R, KeyAlt},
     {GDK_KEY_F1, GDK_KEY_F24, KeyF1},
+    {GDK_KEY_Menu, GDK_KEY_Menu, KeyMenu},
 };
 
 struct ModifierBit {
@@ -161,6 +162,16 @@ GtkWidget* NewClientArea() {
 
 std::string ToDisplayText(const char* bytes) {
     return loam::MakeDisplayText(bytes).GetCString();
+}
+
+std::string ToEditableText(const char* bytes) {
+    return g_utf8_validate(bytes, -1, nullptr) ? std::string(bytes) : ToDisplayText(bytes);
+}
+
+std::string ToBoxText(GtkWidget* box, const loam::String& bytes) {
+    bool editable = GTK_IS_TEXT_VIEW(box) ? gtk_text_view_get_editable(GTK_TEXT_VIEW(box))
+                                          : gtk_editable_get_editable(GTK_EDITABLE(box));
+    return editable ? ToEditableText(bytes) : ToDisplayText(bytes);
 }
 
 std::string ToMnemonicText(const char* text) {

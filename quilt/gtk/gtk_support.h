@@ -55,6 +55,17 @@ std::string ToDisplayText(const char* bytes);
 inline std::string ToDisplayText(const loam::String& bytes) {
     return ToDisplayText(bytes.GetCString());
 }
+// Text that a person edits and the program reads back, as an editable box or a drop-down list's
+// rows hold it: UTF-8 stays as it stands, every character of it, so that a pattern comes back as
+// it was put in. Only bytes that are not UTF-8, which GTK can't hold, make the text shown with
+// escapes. A box that can't be edited only shows its text, with ToDisplayText.
+std::string ToEditableText(const char* bytes);
+inline std::string ToEditableText(const loam::String& bytes) {
+    return ToEditableText(bytes.GetCString());
+}
+// The text for an entry or a text view: ToEditableText when a person can edit it, else
+// ToDisplayText.
+std::string ToBoxText(GtkWidget* box, const loam::String& bytes);
 // A control's label with its mnemonic: "&Find" underlines F, "&&" is an ampersand.
 std::string ToMnemonicText(const char* text);
 // A label without its mnemonic mark, as the accessibility layer names a control.

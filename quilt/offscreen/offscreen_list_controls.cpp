@@ -4,7 +4,6 @@
 #include "quilt/keys.h"
 
 #include <algorithm>
-#include <numeric>
 
 namespace quilt {
 
@@ -86,9 +85,11 @@ void ListDoubleClick(OffscreenListView& list, const OffscreenMessage& message) {
     NotifyWhileThere(handle, ControlEvent::ItemActivated, AsDetail(row));
 }
 
-// Shift+F10 asks for the menu of the selected row, beside the row.
+// The Menu key, or Shift+F10 on a keyboard without one, asks for the menu of the selected row,
+// beside the row.
 bool IsMenuKey(const OffscreenMessage& message) {
-    return message.value == KeyF10 && (message.flags & ModifierShift) != 0;
+    return message.value == KeyMenu ||
+           (message.value == KeyF10 && (message.flags & ModifierShift) != 0);
 }
 
 void ListKeyDown(OffscreenListView& list, const OffscreenMessage& message) {
@@ -333,12 +334,10 @@ int32_t OffscreenListView::GetSelected() const {
 }
 
 // The rows stay where they are while the comparison reads them, and move once at the end.
-void OffscreenListView::Sort(const std::function<int32_t(int32_t, int32_t)>& compare) {
-    rows.Index();
-    std::vector<int32_t> order(static_cast<size_t>(GetCount()));
-    std::iota(order.begin(), order.end(), 0);
-    std::stable_sort(order.begin(), order.end(),
-                     [&compare](int32_t a, int32_t b) { return compare(a, b) < 0; });
+void OffscreenListView::Reorder(const std::vector<int32_t>& order) {
+    if (order.size() != static_cast<size_t>(GetCount())) {
+        return;
+    }
     rows.Reorder(order);
     needsPaint = true;
 }

@@ -91,8 +91,8 @@ struct OffscreenListView : OffscreenWindow {
     int32_t GetSelected() const;
     // The parent hears of a change.
     void SetChecked(int32_t row, bool checked);
-    // Orders the rows by `compare`, which is given their indexes before the sort.
-    void Sort(const std::function<int32_t(int32_t, int32_t)>& compare);
+    // Place i gets the row that stood at `order[i]`; an order of another length is ignored.
+    void Reorder(const std::vector<int32_t>& order);
     void ShowSortColumn(int32_t column, SortDirection direction);
     // The row or column under a point of the client area, -1 for none.
     int32_t GetRowAt(const Point& point) const;

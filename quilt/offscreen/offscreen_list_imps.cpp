@@ -138,9 +138,9 @@ void Offscreen_ListBoxImp::DisableSorting() {
     }
 }
 
-void Offscreen_ListBoxImp::SortRows(const std::function<int32_t(int32_t, int32_t)>& compare) {
+void Offscreen_ListBoxImp::ReorderRows(const std::vector<int32_t>& order) {
     if (OffscreenListView* view = GetView()) {
-        view->Sort(compare);
+        view->Reorder(order);
     }
 }
 

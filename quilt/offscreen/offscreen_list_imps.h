@@ -37,7 +37,7 @@ public:
     void SetItemHeight(int32_t) override {}
     void MeasureItems() override {}
 
-    void SortRows(const std::function<int32_t(int32_t, int32_t)>& compare) override;
+    void ReorderRows(const std::vector<int32_t>& order) override;
     void ShowSortColumn(int32_t column, SortDirection direction) override;
     void SetNumberOfColumns(int32_t count) override;
     int32_t GetNumberOfColumns() override;

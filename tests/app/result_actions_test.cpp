@@ -86,8 +86,8 @@ TEST_F(ResultActionsTest, TheRowMenuOffersFourCommandsAndGreysTheFolderOfARoot) 
     }
 }
 
-// The menu key asks for the menu of the selected row; without one, or with the right button
-// below the rows, there is nothing to show.
+// The Menu key, and Shift+F10, ask for the menu of the selected row; without one, or with the
+// right button below the rows, there is nothing to show.
 TEST_F(ResultActionsTest, TheMenuKeyShowsTheMenuOfTheSelectedRowOnly) {
     MakeFiles("tree", 2);
     StartWindow();
@@ -99,11 +99,13 @@ TEST_F(ResultActionsTest, TheMenuKeyShowsTheMenuOfTheSelectedRowOnly) {
     EXPECT_EQ(driver.GetMenusShown(), 0);
     EXPECT_EQ(driver.GetSelectedRow(*Main(), MainResultsList), -1);
     driver.ClickRow(*Main(), MainResultsList, 1);
-    driver.OnNextMenu(quilt::OffscreenDriver::PickMenuItem("Copy &Name"));
-    driver.PressMenuKey(*Main(), MainResultsList);
-    driver.RunUntilIdle();
-    EXPECT_EQ(driver.GetMenusShown(), 1);
-    EXPECT_EQ(Clipboard(), "f1");
+    for (bool shiftF10 : {false, true}) {
+        driver.OnNextMenu(quilt::OffscreenDriver::PickMenuItem("Copy &Name"));
+        driver.PressMenuKey(*Main(), MainResultsList, shiftF10);
+        driver.RunUntilIdle();
+        EXPECT_EQ(Clipboard(), "f1") << shiftF10;
+    }
+    EXPECT_EQ(driver.GetMenusShown(), 2);
 }
 
 TEST_F(ResultActionsTest, CopiesThePathOrTheNameAsTheirBytes) {

@@ -6,7 +6,7 @@ import fcntl
 import os
 import sys
 
-from sorvanta_desktop import Atspi, Session, check, run, text_of, wait_for
+from sorvanta_desktop import Atspi, Session, check, enter_index_folder, run, wait_for
 
 TITLE = "Sorvanta - v1.14"
 BUSY = ("The volume indexing system was asked to start indexing when an indexing operation was "
@@ -32,14 +32,7 @@ def build_while_another_builds(session, window):
 
 
 def relative_folder(session, window):
-    session.click(session.control(window, Atspi.Role.PUSH_BUTTON, "Options..."))
-    dialog = session.window("Sorvanta Options")
-    box = [node for node in session.controls(dialog, Atspi.Role.TEXT)
-           if text_of(node).startswith("/")][0]
-    session.click(box)
-    session.keys("ctrl+a", "BackSpace")
-    session.type("index")
-    session.click(session.control(dialog, Atspi.Role.PUSH_BUTTON, "OK"))
+    dialog, _ = enter_index_folder(session, window, "index")
     alert = session.window("Index Location...")
     message = wait_for("the alert's text", lambda: alert.get_description())
     check(message == NOT_FULL, "the alert says why: " + message)

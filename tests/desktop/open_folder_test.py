@@ -9,13 +9,14 @@ import shutil
 import sys
 
 from sorvanta_desktop import (Atspi, Session, cell, cell_text, check, local_path, run, search,
-                              table_rows, wait_for)
+                              table_rows, text_of, wait_for)
 
 TITLE = "Sorvanta - v1.14"
 MISSING_FOLDER = "The application tried to open a folder that did not exist."
 # 84 characters of three bytes: 252 bytes, one more than a record of the index holds.
 LONG_NAME = "\u6587" * 84
 DISGUISED_NAME = "rtl\u202etxt.exe"
+DISGUISED_PATTERN = "rtl\u202e*"
 
 
 def opened_folders(opened):
@@ -77,6 +78,26 @@ def test(session):
     check(opened_folders(opened)[1] == os.path.join(session.tree, LONG_NAME),
           "the handler was given the real folder: %s" % opened_folders(opened)[1])
     session.screenshot("long-and-disguised-names", window)
+
+    # A pattern with a direction override is the user's own text: the pattern box and its
+    # history give it back as it was put in, and it still finds the name.
+    field = session.control(window, Atspi.Role.TEXT)
+    session.click(field)
+    Atspi.EditableText.set_text_contents(field, DISGUISED_PATTERN)
+    session.keys("End", "Return")
+    wait_for("the row found by the override", lambda: table_rows(table) == 1)
+    search(session, window, "file00123*")
+    wait_for("the row of file00123.txt", lambda: cell_text(table, 0, 0) == "file00123.txt")
+    session.click(field)
+    session.keys("alt+Down")
+    items = wait_for("the pattern history", lambda: [
+        node for node in session.controls(window, Atspi.Role.MENU_ITEM)
+        if session.showing(node) and node.get_name() == DISGUISED_PATTERN])
+    session.click(items[0])
+    wait_for("the picked pattern in its box", lambda: text_of(field) == DISGUISED_PATTERN)
+    session.keys("Return")
+    wait_for("the disguised name found again",
+             lambda: table_rows(table) == 1 and cell_text(table, 0, 0) == "rtl\\u202Etxt.exe")
 
     session.focus(window)
     session.keys("Escape")

@@ -49,4 +49,4 @@ def test(session):
 
 
 if __name__ == "__main__":
-    sys.exit(run(test, Session("progress-dialog", tree_files=20000)))
+    sys.exit(run(test, Session("progress-dialog", tree_files=60000)))

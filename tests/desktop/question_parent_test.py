@@ -6,7 +6,8 @@ import os
 import subprocess
 import sys
 
-from sorvanta_desktop import Atspi, Session, check, end_with_escape, run, text_of, wait_for
+from sorvanta_desktop import (Atspi, Session, check, end_with_escape, enter_index_folder, run,
+                              text_of, wait_for)
 
 TITLE = "Sorvanta - v1.14"
 OPTIONS = "Sorvanta Options"
@@ -33,15 +34,7 @@ def test(session):
     open(os.path.join(taken, "sorvanta.idx"), "w").close()
     session.start()
     window = session.window(TITLE)
-    session.focus(window)
-    session.click(session.control(window, Atspi.Role.PUSH_BUTTON, "Options..."))
-    options = session.window(OPTIONS)
-    box = session.control(options, Atspi.Role.TEXT)
-    session.click(box)
-    session.keys("ctrl+a", "BackSpace")
-    session.type(taken)
-    wait_for("the new folder in the box", lambda: text_of(box) == taken)
-    session.click(session.control(options, Atspi.Role.PUSH_BUTTON, "OK"))
+    options, box = enter_index_folder(session, window, taken)
 
     alert = session.window("Unable to move index file...")
     session.screenshot("alert", alert)

@@ -32,10 +32,9 @@ def lines(path):
         return text.read().splitlines()
 
 
-def start_file_manager(session):
-    out = os.path.join(session.home, "shown-items")
-    process = subprocess.Popen([sys.executable, os.path.join(HERE, "stand_ins.py"),
-                                "file-manager", out])
+def start_file_manager(session, kind="file-manager"):
+    out = os.path.join(session.home, kind + "-items")
+    process = subprocess.Popen([sys.executable, os.path.join(HERE, "stand_ins.py"), kind, out])
     wait_for("the stand-in file manager", lambda: os.path.exists(out + ".ready"))
     return process, out
 
@@ -156,15 +155,31 @@ def test(session):
     check(local_path(lines(opened)[1]) == folder,
           "without a file manager the folder opens: %s" % lines(opened))
 
-    find_one(session, window, table, "file00011.txt")
+    # A file manager that takes the call and never answers: the window goes on meanwhile, and
+    # the folder opens once the file manager has had its time.
+    silent, asked = start_file_manager(session, "silent-file-manager")
+    try:
+        choose(session, table, "Open Containing Folder")
+        wait_for("the silent file manager to be asked", lambda: lines(asked))
+        check(len(lines(opened)) == 2, "the folder waits for the file manager's time")
+        find_one(session, window, table, "file00011.txt")
+        wait_for("the folder's handler after the file manager's time",
+                 lambda: len(lines(opened)) == 3)
+        check(local_path(lines(opened)[2]) == folder,
+              "a silent file manager's folder opens alone: %s" % lines(opened))
+    finally:
+        silent.kill()
+        silent.wait()
+    wait_for("the silent file manager to leave the bus", lambda: not file_manager_there())
+
     session.click(cell(table, 0, 0))
     session.keys("ctrl+c")
     wait_for("Ctrl+C to copy the path",
              lambda: clipboard_text() == os.path.join(folder, "file00011.txt"))
 
     session.keys("Return")
-    wait_for("Return to open the row's folder", lambda: len(lines(opened)) == 3)
-    check(local_path(lines(opened)[2]) == folder, "Return opens the folder: %s" % lines(opened))
+    wait_for("Return to open the row's folder", lambda: len(lines(opened)) == 4)
+    check(local_path(lines(opened)[3]) == folder, "Return opens the folder: %s" % lines(opened))
 
     # The walk's root has no folder of its own.
     # A root's name is its whole path, with the separator at its end.

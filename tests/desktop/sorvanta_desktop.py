@@ -63,17 +63,23 @@ def on_one_line_inside(node):
     return first.y == last.y and box.x <= first.x and last.x + last.width <= box.x + box.width
 
 
-def walk(node):
+def walk(node, cells=False):
     """The node and everything under it; a part that goes while it is read is left out, as the
-    folder chooser replaces its rows while it reads a folder."""
+    folder chooser replaces its rows while it reads a folder. The cells of a table are walked
+    only when asked for: a screen reader reads a table through its table interface, and asking
+    for every cell makes the program build an accessible object for each, which floods the bus
+    with their events when a list of 50,000 rows lets them go."""
     yield node
     try:
-        children = [node.get_child_at_index(index) for index in range(node.get_child_count())]
+        count = node.get_child_count()
+        if not cells and node.get_role() in (Atspi.Role.TABLE, Atspi.Role.TREE_TABLE):
+            count = min(count, Atspi.Table.get_n_columns(node))
+        children = [node.get_child_at_index(index) for index in range(count)]
     except GLib.Error:
         return
     for child in children:
         if child is not None:
-            yield from walk(child)
+            yield from walk(child, cells)
 
 
 class Session:
@@ -192,13 +198,14 @@ class Session:
         return node.get_state_set().contains(Atspi.StateType.SHOWING)
 
     def control(self, window, role, name=None):
-        for node in walk(window):
+        for node in walk(window, role == Atspi.Role.TABLE_CELL):
             if node.get_role() == role and (name is None or node.get_name() == name):
                 return node
         raise Failure("no %s named '%s' in '%s'" % (role.value_nick, name, window.get_name()))
 
     def controls(self, window, role):
-        return [node for node in walk(window) if node.get_role() == role]
+        return [node for node in walk(window, role == Atspi.Role.TABLE_CELL)
+                if node.get_role() == role]
 
     @staticmethod
     def centre(node):
@@ -318,6 +325,23 @@ def search(session, window, pattern):
     session.keys("ctrl+a", "BackSpace")
     session.type(pattern)
     session.keys("Return")
+
+
+def enter_index_folder(session, window, folder):
+    """Opens the options from the search window, types `folder` into the index location's box
+    and presses OK; gives the options dialog and that box."""
+    session.focus(window)
+    session.click(session.control(window, Atspi.Role.PUSH_BUTTON, "Options..."))
+    options = session.window("Sorvanta Options")
+    box = wait_for("the index location's box", lambda: [
+        node for node in session.controls(options, Atspi.Role.TEXT)
+        if text_of(node).startswith("/")])[0]
+    session.click(box)
+    session.keys("ctrl+a", "BackSpace")
+    session.type(folder)
+    wait_for("the new folder in the box", lambda: text_of(box) == folder)
+    session.click(session.control(options, Atspi.Role.PUSH_BUTTON, "OK"))
+    return options, box
 
 
 def run(test, session):

@@ -1,6 +1,7 @@
 """Stand-ins that a desktop test starts beside the program, each writing down what it got:
   stand_ins.py file-manager OUT   owns org.freedesktop.FileManager1 on the session bus and
                                   writes each URI given to ShowItems on a line of OUT
+  stand_ins.py silent-file-manager OUT  the same, but it never answers a call
   stand_ins.py drop-target OUT X Y  a window at X, Y that takes drops and writes, for each,
                                   the type and the bytes it got, one "type: bytes" a line, with
                                   a carriage return and a line end in the bytes as \\r and \\n
@@ -30,15 +31,19 @@ def ready(out):
     open(out + ".ready", "w").close()
 
 
-def file_manager(out):
+def file_manager(out, answers=True):
     interface = Gio.DBusNodeInfo.new_for_xml(FILE_MANAGER).interfaces[0]
+    unanswered = []
 
     def on_call(connection, sender, path, name, method, parameters, invocation):
         uris, _ = parameters.unpack()
         with open(out, "a") as record:
             for uri in uris:
                 record.write(uri + "\n")
-        invocation.return_value(None)
+        if answers:
+            invocation.return_value(None)
+        else:
+            unanswered.append(invocation)
 
     def on_bus(connection, name):
         connection.register_object("/org/freedesktop/FileManager1", interface, on_call)
@@ -83,5 +88,7 @@ def drop_target(out, x, y):
 if __name__ == "__main__":
     if sys.argv[1] == "file-manager":
         file_manager(sys.argv[2])
+    elif sys.argv[1] == "silent-file-manager":
+        file_manager(sys.argv[2], answers=False)
     else:
         drop_target(sys.argv[2], int(sys.argv[3]), int(sys.argv[4]))

@@ -25,16 +25,25 @@ TEST(GtkText, MnemonicMarksBecomeGtkMarks) {
     }
 }
 
-// What GTK is given is UTF-8, and nothing in it hides or turns around part of a name.
-TEST(GtkText, NamesAreShownWithWhatDisguisesThemEscaped) {
-    const std::pair<const char*, const char*> cases[] = {
-        {"caf\xc3\xa9.txt", "caf\xc3\xa9.txt"},
-        {"caf\xe9.txt", "caf\\xE9.txt"},
-        {"rtl\xE2\x80\xAEtxt.exe", "rtl\\u202Etxt.exe"},
+// What GTK is given is UTF-8. Nothing in a text that is only shown hides or turns around part of
+// a name; a text that a person edits and the program reads back keeps every character that GTK
+// can hold, and is escaped only when it is not UTF-8.
+TEST(GtkText, ShownTextEscapesWhatDisguisesANameAndEditedTextKeepsIt) {
+    const struct {
+        const char* bytes;
+        const char* shown;
+        const char* edited;
+    } cases[] = {
+        {"caf\xc3\xa9.txt", "caf\xc3\xa9.txt", "caf\xc3\xa9.txt"},
+        {"caf\xe9.txt", "caf\\xE9.txt", "caf\\xE9.txt"},
+        {"rtl\xE2\x80\xAEtxt.exe", "rtl\\u202Etxt.exe", "rtl\xE2\x80\xAEtxt.exe"},
+        {"\xE2\x81\xA6*.pdf\xE9", "\\u2066*.pdf\\xE9", "\\u2066*.pdf\\xE9"},
+        {"", "", ""},
     };
-    for (const auto& [bytes, shown] : cases) {
-        EXPECT_EQ(quilt::ToDisplayText(bytes), shown);
-        EXPECT_TRUE(g_utf8_validate(quilt::ToDisplayText(bytes).c_str(), -1, nullptr));
+    for (const auto& c : cases) {
+        EXPECT_EQ(quilt::ToDisplayText(c.bytes), c.shown) << c.bytes;
+        EXPECT_EQ(quilt::ToEditableText(c.bytes), c.edited) << c.bytes;
+        EXPECT_TRUE(g_utf8_validate(quilt::ToEditableText(c.bytes).c_str(), -1, nullptr));
     }
 }
 
@@ -55,6 +64,7 @@ TEST(GtkKeys, KeysAndModifiersBecomeTheToolkitsCodes) {
          quilt::ModifierShift | quilt::ModifierControl},
         {GDK_KEY_7, 0, true, '7', 0},
         {GDK_KEY_F24, 0, true, quilt::KeyF24, 0},
+        {GDK_KEY_Menu, 0, true, quilt::KeyMenu, 0},
         {GDK_KEY_Down, GDK_SUPER_MASK, true, quilt::KeyDown, quilt::ModifierSuper},
         {GDK_KEY_Page_Up, 0, false, 0, 0},
         {GDK_KEY_Home, 0, false, 0, 0},

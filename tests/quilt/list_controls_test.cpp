@@ -7,6 +7,7 @@
 #include "quilt/offscreen/offscreen_browse_dialog_imp.h"
 #include "test_application.h"
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -192,6 +193,56 @@ TEST_F(ListControlsTest, HeaderClicksSortByteWiseAndRememberTheirState) {
     EXPECT_EQ(Column(0), (Texts{"A", "b"}));
     EXPECT_EQ(driver.GetSortColumn(*dialog, Rows, arrow), 1);
     EXPECT_EQ(arrow, quilt::SortAscending);
+}
+
+int32_t ByWord(quilt::ListControl* list, uintptr_t, int32_t a, int32_t b, int32_t) {
+    uint32_t left = 0;
+    uint32_t right = 0;
+    list->GetItemData(a, left);
+    list->GetItemData(b, right);
+    return static_cast<int32_t>(left) - static_cast<int32_t>(right);
+}
+
+// A sort reads each row's word and text from one copy taken before it; after it, every row's
+// word and texts are read where the row now stands, not from that copy.
+TEST_F(ListControlsTest, ASortByWordsMovesEachRowWithItsWordAndTexts) {
+    Open();
+    dialog->rows.SetNumberOfColumns(3);
+    dialog->rows.SetColumnSorter(ByWord, 0, 2);
+    const struct {
+        const char* name;
+        uint32_t word;
+    } rows[] = {{"d", 2}, {"a", 4}, {"c", 1}, {"b", 3}, {"e", 2}};
+    std::map<std::string, uint32_t> words;
+    for (const auto& row : rows) {
+        words[row.name] = row.word;
+        int32_t place = -1;
+        ASSERT_TRUE(dialog->rows.AddItem(loam::String(row.name), &place, row.word));
+        dialog->rows.SetItemText(place, loam::String((std::string(row.name) + "!").c_str()), 1);
+    }
+    const struct {
+        int32_t column;
+        Texts names;
+    } clicks[] = {
+        {2, {"c", "d", "e", "b", "a"}},
+        {2, {"a", "b", "d", "e", "c"}},
+        {1, {"a", "b", "c", "d", "e"}},
+    };
+    for (const auto& click : clicks) {
+        driver.ClickColumnHeader(*dialog, Rows, click.column);
+        Serve();
+        EXPECT_EQ(Column(0), click.names) << click.column;
+        for (int32_t place = 0; place < dialog->rows.GetCount(); ++place) {
+            loam::String name;
+            loam::String mark;
+            uint32_t word = 0;
+            ASSERT_TRUE(dialog->rows.GetItemText(place, name, 0));
+            ASSERT_TRUE(dialog->rows.GetItemText(place, mark, 1));
+            ASSERT_TRUE(dialog->rows.GetItemData(place, word));
+            EXPECT_EQ(std::string(mark.GetCString()), std::string(name.GetCString()) + "!");
+            EXPECT_EQ(word, words.at(name.GetCString())) << name.GetCString();
+        }
+    }
 }
 
 // A click on a row's check box turns its mark and tells the dialog which row; the program's own

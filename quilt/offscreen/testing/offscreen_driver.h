@@ -169,9 +169,10 @@ public:
     // item has it.
     static MenuAnswer PickMenuItem(const char* text);
     // A list view's context menu: a press of the right button on the row, scrolled into view, or
-    // Shift+F10 on the list, which asks for the selected row's menu.
+    // the Menu key (else Shift+F10) on the list, which asks for the selected row's menu.
     void RightClickRow(Dialog& dialog, int32_t id, int32_t row, std::optional<uint32_t> at = {});
-    void PressMenuKey(Dialog& dialog, int32_t id, std::optional<uint32_t> at = {});
+    void PressMenuKey(Dialog& dialog, int32_t id, bool shiftF10 = false,
+                      std::optional<uint32_t> at = {});
     // What the desktop's clipboard holds.
     loam::String GetClipboardText() const;
     // The user drags the row out of a list view to another program: the path that the drop

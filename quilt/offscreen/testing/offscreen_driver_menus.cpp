@@ -41,10 +41,11 @@ void OffscreenDriver::RightClickRow(Dialog& dialog, int32_t id, int32_t row,
     PostToControl(dialog, id, message, at);
 }
 
-void OffscreenDriver::PressMenuKey(Dialog& dialog, int32_t id, std::optional<uint32_t> at) {
+void OffscreenDriver::PressMenuKey(Dialog& dialog, int32_t id, bool shiftF10,
+                                   std::optional<uint32_t> at) {
     OffscreenMessage message{OffscreenMessageKind::KeyDown};
-    message.value = KeyF10;
-    message.flags = ModifierShift;
+    message.value = shiftF10 ? KeyF10 : KeyMenu;
+    message.flags = shiftF10 ? uint32_t{ModifierShift} : 0u;
     PostToControl(dialog, id, message, at);
     message.kind = OffscreenMessageKind::KeyUp;
     PostToControl(dialog, id, message, at);
