@@ -16,9 +16,10 @@ namespace {
 
 using Blocks = std::vector<uint32_t>;
 
-// Past this share of the blocks, reading them one by one costs more than the pass over the
-// whole index; so many blocks are read in any case, which a small index's pass would not save.
-constexpr uint32_t MostCandidateShare = 32;
+// Past this share of the blocks, reading them, even with their neighbours at once, costs more
+// than the pass over the whole index; so many blocks are read in any case, which a small index's
+// pass would not save.
+constexpr uint32_t MostCandidateShare = 8;
 constexpr size_t FewBlocks = 64;
 
 // The keys of the runs of three or more literal bytes of a piece.
