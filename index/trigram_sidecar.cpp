@@ -189,7 +189,8 @@ void SortByKey(std::vector<uint64_t>& pairs, std::vector<uint64_t>& spare) {
 }
 
 // What a run holds for a key: the key, how many blocks, the first and the last of them, and the
-// length of the gaps after the first, which follow it.
+// length of the gaps after the first, which follow it. In the run each number is written in
+// variable-length bytes, the key as its distance from the one before.
 struct RunPiece {
     uint32_t key;
     uint32_t blocks;
@@ -263,8 +264,13 @@ public:
     // The next key's piece of the run, its gaps behind what bytes holds; false at its end, or
     // when it cannot be read.
     bool Next(RunPiece& piece, std::vector<uint8_t>& bytes) {
-        if (!Take(&piece, sizeof piece))
-            return false;
+        uint32_t fields[5];
+        for (uint32_t& field : fields) {
+            if (!TakeNumber(field))
+                return false;
+        }
+        piece = {lastKey + fields[0], fields[1], fields[2], fields[2] + fields[3], fields[4]};
+        lastKey = piece.key;
         const size_t from = bytes.size();
         bytes.resize(from + piece.bytes);
         return Take(bytes.data() + from, piece.bytes);
@@ -272,6 +278,19 @@ public:
 
 private:
     static constexpr size_t BufferBytes = 1 << 14;
+
+    bool TakeNumber(uint32_t& value) {
+        value = 0;
+        for (int shift = 0; shift <= 28; shift += 7) {
+            uint8_t byte = 0;
+            if (!Take(&byte, 1))
+                return false;
+            value |= static_cast<uint32_t>(byte & 0x7F) << shift;
+            if (byte < 0x80)
+                return true;
+        }
+        return false;
+    }
 
     bool Take(void* into, size_t length) {
         auto* out = static_cast<uint8_t*>(into);
@@ -298,6 +317,7 @@ private:
     uint64_t end;
     std::vector<uint8_t> buffer;
     size_t used = 0;
+    uint32_t lastKey = 0;
 };
 
 } // namespace
@@ -356,6 +376,7 @@ bool SidecarWriter::WriteRun() {
     SortByKey(pairs, spare);
     std::vector<uint8_t> bytes;
     bool written = true;
+    uint32_t lastKey = 0;
     for (size_t at = 0; at < pairs.size() && written;) {
         const auto key = static_cast<uint32_t>(pairs[at] >> BlockBits);
         RunPiece piece{key, 1, static_cast<uint32_t>(pairs[at]), static_cast<uint32_t>(pairs[at]),
@@ -373,7 +394,17 @@ bool SidecarWriter::WriteRun() {
             ++piece.blocks;
         }
         piece.bytes = static_cast<uint32_t>(bytes.size());
-        written = runs->Append(&piece, sizeof piece) && runs->Append(bytes.data(), bytes.size());
+        uint8_t numbers[5 * 5];
+        int length = 0;
+        for (const uint32_t number : {piece.key - lastKey, piece.blocks, piece.first,
+                                      piece.last - piece.first, piece.bytes}) {
+            int more = 0;
+            PutVarint(number, numbers + length, more);
+            length += more;
+        }
+        lastKey = piece.key;
+        written = runs->Append(numbers, static_cast<size_t>(length)) &&
+                  runs->Append(bytes.data(), bytes.size());
     }
     written = written && runs->Flush();
     if (!pairs.empty())
