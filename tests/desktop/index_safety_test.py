@@ -6,7 +6,8 @@ import fcntl
 import os
 import sys
 
-from sorvanta_desktop import Atspi, Session, check, enter_index_folder, run, wait_for
+from sorvanta_desktop import (Atspi, Session, check, dismiss_alert, enter_index_folder, run,
+                              wait_for)
 
 TITLE = "Sorvanta - v1.14"
 BUSY = ("The volume indexing system was asked to start indexing when an indexing operation was "
@@ -20,26 +21,14 @@ def build_while_another_builds(session, window):
     with open(os.path.join(folder, "sorvanta.idx.lock"), "a") as lock:
         fcntl.flock(lock, fcntl.LOCK_EX)
         session.click(session.control(window, Atspi.Role.PUSH_BUTTON, "Build Index"))
-        dialog = session.window("Error")
-        message = wait_for("the error's text", lambda: dialog.get_description())
-        check(message == BUSY, "the error says a build is under way: " + message)
-        session.screenshot("second-build", dialog)
-        session.focus(dialog)
-        session.keys("Return")
-        wait_for("the error dialog to close", lambda: len(session.application_windows()) == 1)
+        dismiss_alert(session, "Error", BUSY, "second-build", 1)
     check(session.control(window, Atspi.Role.PUSH_BUTTON, "Build Index") is not None,
           "the button still offers a build")
 
 
 def relative_folder(session, window):
     dialog, _ = enter_index_folder(session, window, "index")
-    alert = session.window("Index Location...")
-    message = wait_for("the alert's text", lambda: alert.get_description())
-    check(message == NOT_FULL, "the alert says why: " + message)
-    session.screenshot("relative-folder", alert)
-    session.focus(alert)
-    session.keys("Return")
-    wait_for("the alert to close", lambda: len(session.application_windows()) == 2)
+    dismiss_alert(session, "Index Location...", NOT_FULL, "relative-folder", 2)
     session.click(session.control(dialog, Atspi.Role.PUSH_BUTTON, "Cancel"))
     wait_for("the options to close", lambda: len(session.application_windows()) == 1)
     check(not os.path.exists(os.path.join(session.home, "index")), "nothing moved")

@@ -327,6 +327,18 @@ def search(session, window, pattern):
     session.keys("Return")
 
 
+def dismiss_alert(session, title, expected, shot, windows_left):
+    """Checks that the alert `title` says `expected`, keeps it as screenshot `shot` and closes
+    it with Return, which leaves `windows_left` windows of the program on the screen."""
+    alert = session.window(title)
+    message = wait_for("the text of '%s'" % title, lambda: alert.get_description())
+    check(message == expected, "'%s' says why: %s" % (title, message))
+    session.screenshot(shot, alert)
+    session.focus(alert)
+    session.keys("Return")
+    wait_for("'%s' to close" % title, lambda: len(session.application_windows()) == windows_left)
+
+
 def enter_index_folder(session, window, folder):
     """Opens the options from the search window, types `folder` into the index location's box
     and presses OK; gives the options dialog and that box."""
