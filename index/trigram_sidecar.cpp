@@ -21,13 +21,13 @@ namespace trigram {
 namespace {
 
 constexpr char Magic[8] = {'S', 'V', 'T', 'R', 'I', 'G', '\r', '\n'};
-constexpr uint32_t FormatVersion = 1;
+constexpr uint32_t FormatVersion = 2;
 // How much of each end of the index the file's checksum of it covers: the header and the first
 // records, and the last records, which every rebuild changes.
 constexpr uint32_t SampleBytes = 1 << 16;
 // Landmarks are checked a page at a time.
-constexpr uint32_t PageLandmarks = 1024;
-constexpr uint32_t PagesReadBetween = 2;
+constexpr uint32_t PageLandmarks = 128;
+constexpr uint32_t PagesReadBetween = 8;
 // A bucket of the key directory holds about this many keys, read and checked together.
 constexpr uint32_t BucketKeys = 128;
 constexpr uint32_t MaxBuckets = 1 << 20;
@@ -346,12 +346,13 @@ void SidecarWriter::AddRecord(const char* name, int32_t nameLength, uint32_t rec
         landmarks.push_back(static_cast<uint32_t>(indexBytes));
     }
     indexBytes += recordBytes;
-    // The name as a search sees it: up to its NUL, folded.
+    // The name as a search sees it: up to its NUL, folded, between the NULs that stand for its
+    // start and its end, so that the keys of its first and last two bytes say where they are.
     const size_t length = strnlen(name, static_cast<size_t>(std::max(nameLength, 0)));
-    folded.resize(length);
+    folded.assign(length + 2, '\0');
     for (size_t i = 0; i < length; ++i)
-        folded[i] = loam::FoldToLower(name[i]);
-    for (size_t i = 0; i + 3 <= length; ++i)
+        folded[i + 1] = loam::FoldToLower(name[i]);
+    for (size_t i = 0; i + 3 <= folded.size(); ++i)
         AddPair(uint64_t{KeyOf(folded.data() + i)} << BlockBits | block);
     for (const int32_t longName : LongNameLengths) {
         if (length >= static_cast<size_t>(longName))

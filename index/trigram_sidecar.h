@@ -10,7 +10,8 @@
 #include <vector>
 
 // The trigram file beside an index: for each sequence of three bytes of the names, folded as a
-// search folds them, the blocks of records whose names hold it; and where each block starts in
+// search folds them and with a NUL before and after each name, the blocks of records whose names
+// hold it; and where each block starts in
 // the index. A block is BlockRecords records in file order, so a reader that knows the blocks a
 // name must lie in reads those records alone, and a record's folders through the same table.
 //

@@ -22,15 +22,23 @@ using Blocks = std::vector<uint32_t>;
 constexpr uint32_t MostCandidateShare = 8;
 constexpr size_t FewBlocks = 64;
 
-// The keys of the runs of three or more literal bytes of a piece.
-std::vector<uint32_t> KeysOf(const std::string& piece) {
-    std::string folded(piece);
-    for (char& byte : folded)
-        byte = loam::FoldToLower(byte);
+// The keys of the runs of three known bytes of a piece. A piece that stands at the start or the
+// end of every name that matches has the NUL that the keys put there before or after it.
+std::vector<uint32_t> KeysOf(const std::string& piece, bool atStart, bool atEnd) {
+    constexpr int AnyByte = -1;
+    std::vector<int> bytes;
+    if (atStart)
+        bytes.push_back(0);
+    for (const char byte : piece)
+        bytes.push_back(byte == '\0' ? AnyByte : static_cast<uint8_t>(loam::FoldToLower(byte)));
+    if (atEnd)
+        bytes.push_back(0);
     std::vector<uint32_t> keys;
-    for (size_t at = 0; at + 3 <= folded.size(); ++at) {
-        if (std::memchr(folded.data() + at, '\0', 3) == nullptr)
-            keys.push_back(trigram::KeyOf(folded.data() + at));
+    for (size_t at = 0; at + 3 <= bytes.size(); ++at) {
+        if (std::find(bytes.begin() + at, bytes.begin() + at + 3, AnyByte) ==
+            bytes.begin() + at + 3)
+            keys.push_back(
+                static_cast<uint32_t>(bytes[at] << 16 | bytes[at + 1] << 8 | bytes[at + 2]));
     }
     std::sort(keys.begin(), keys.end());
     keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
@@ -93,7 +101,7 @@ bool FindBlocks(trigram::Sidecar& sidecar, const IndexSearcher& reader, Blocks& 
         for (size_t i = 0; i < allOf.size(); ++i) {
             if (!everyPiece && reader.GetTrustedLengthWithout(i) < LongestLoadableName)
                 continue;
-            const std::vector<uint32_t> more = KeysOf(allOf[i]);
+            const std::vector<uint32_t> more = KeysOf(allOf[i], i == 0, i + 1 == allOf.size());
             keys.insert(keys.end(), more.begin(), more.end());
         }
         trusted = everyPiece ? reader.GetTrustedLength() : LongestLoadableName;
@@ -111,7 +119,7 @@ bool FindBlocks(trigram::Sidecar& sidecar, const IndexSearcher& reader, Blocks& 
     trusted = reader.GetTrustedLength();
     std::vector<std::vector<uint32_t>> alternatives;
     for (const std::string& piece : oneOf) {
-        alternatives.push_back(KeysOf(piece));
+        alternatives.push_back(KeysOf(piece, false, false));
         if (alternatives.back().empty())
             return narrowed;
     }

@@ -56,7 +56,8 @@ public:
     }
 
     // What every name that the expression matches holds, as the pass reads it: each piece of
-    // allOf, and one of oneOf when that is not empty. Folded bytes, NUL for a byte of any value.
+    // allOf, in order, the first at the name's start and the last at its end, and one of oneOf
+    // anywhere when that is not empty. Folded bytes, NUL for a byte of any value.
     void GetRequiredPieces(std::vector<std::string>& allOf, std::vector<std::string>& oneOf) const;
     // Names up to this length cannot make the expression's matcher give up; -1 for none.
     int32_t GetTrustedLength() const { return trustedLength; }

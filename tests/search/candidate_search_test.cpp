@@ -37,6 +37,11 @@ const char* const words[] = {"fstab",     "zlib",      "x86_64-linux-gnu", "Lib"
 
 const Query queries[] = {
     {"fstab", false, true, Must},
+    {"fstab", false, false, Must},
+    {"a.b.c", false, false, Must},
+    {"x", false, false, May},
+    {"lib?", false, false, May},
+    {"?ab", false, false, May},
     {"zlib", false, true, Must},
     {"ZLIB", false, true, Must},
     {"x86_64-linux-gnu", false, true, Must},
