@@ -577,9 +577,11 @@ struct Sidecar::State {
     int side = -1;
     Header header{};
     std::vector<Bucket> buckets;
-    // The landmark pages read, each checked once, and the checksums of all pages, read with the
-    // first of them.
-    std::unordered_map<uint32_t, std::vector<uint32_t>> pages;
+    // The landmark pages read, each checked once, one after another, and where each page starts
+    // among them, one past, or 0 for a page not read; and the checksums of all pages, read with
+    // the first of them.
+    std::vector<uint32_t> keptLandmarks;
+    std::vector<uint32_t> pageStarts;
     std::vector<uint64_t> pageSums;
     std::vector<Entry> entries;
     // The entries of the keys looked up, found or not.
@@ -735,14 +737,16 @@ bool Sidecar::GetBlocks(uint32_t key, std::vector<uint32_t>& blocks) {
     return at == s.postings.size();
 }
 
+bool Sidecar::IsPageRead(uint32_t number) const {
+    return number < state->pageStarts.size() && state->pageStarts[number] != 0;
+}
+
 bool Sidecar::GetLandmark(uint32_t block, uint32_t& offset) {
     const uint32_t number = block / PageLandmarks;
-    const auto page = state->pages.find(number);
-    if (page != state->pages.end()) {
-        offset = page->second[block % PageLandmarks];
-        return true;
-    }
-    return LoadLandmarkPages({number}) && GetLandmark(block, offset);
+    if (!IsPageRead(number) && !LoadLandmarkPages({number}))
+        return false;
+    offset = state->keptLandmarks[state->pageStarts[number] - 1 + block % PageLandmarks];
+    return true;
 }
 
 // Pages of landmarks, ascending, each checked against its checksum. A read costs about as much
@@ -757,6 +761,7 @@ bool Sidecar::LoadLandmarkPages(const std::vector<uint32_t>& numbers) {
             s.pageSums.clear();
             return false;
         }
+        s.pageStarts.assign(pageCount, 0);
     }
     std::vector<uint32_t> landmarks;
     for (size_t first = 0; first < numbers.size();) {
@@ -776,7 +781,10 @@ bool Sidecar::LoadLandmarkPages(const std::vector<uint32_t>& numbers) {
             const uint32_t count = std::min(PageLandmarks, to - number * PageLandmarks);
             if (Checksum(page, count * sizeof(uint32_t)) != s.pageSums[number])
                 return false;
-            s.pages.try_emplace(number, page, page + count);
+            if (IsPageRead(number))
+                continue;
+            s.pageStarts[number] = static_cast<uint32_t>(s.keptLandmarks.size()) + 1;
+            s.keptLandmarks.insert(s.keptLandmarks.end(), page, page + count);
         }
         first = last;
     }
@@ -822,7 +830,7 @@ bool Sidecar::LoadLandmarksOf(const std::vector<uint32_t>& blocks) {
     const auto need = [&](uint32_t block) {
         const uint32_t number = block / PageLandmarks;
         if (block < state->header.blockCount && (pages.empty() || pages.back() < number) &&
-            state->pages.count(number) == 0)
+            !IsPageRead(number))
             pages.push_back(number);
     };
     for (const uint32_t block : blocks) {

@@ -123,6 +123,7 @@ public:
 
 private:
     struct State;
+    bool IsPageRead(uint32_t number) const;
     bool GetLandmark(uint32_t block, uint32_t& offset);
     bool LoadLandmarkPages(const std::vector<uint32_t>& numbers);
     bool LoadLandmarksOf(const std::vector<uint32_t>& blocks);

@@ -187,7 +187,9 @@ public:
         SetParent(pool.data() + places.back().at, held.parent);
     }
     void Sort() {
-        std::sort(places.begin(), places.end());
+        const auto added = places.begin() + static_cast<ptrdiff_t>(sorted);
+        std::sort(added, places.end());
+        std::inplace_merge(places.begin(), added, places.end());
         sorted = places.size();
     }
     // The record of an ordinal; none when it was not read, or added out of order since the last
