@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cerrno>
 #include <cstring>
 #include <unordered_map>
 #include <utility>
@@ -86,6 +87,13 @@ uint32_t BucketCountFor(size_t keys) {
     while (count < MaxBuckets && count * BucketKeys < keys)
         count *= 2;
     return count;
+}
+
+// A search reads a few hundred scattered pieces of each file, and the system would otherwise
+// weigh a change of the file's access time at every one. Only the file's owner may ask that.
+int OpenToRead(const char* path) {
+    const int descriptor = open(path, O_RDONLY | O_CLOEXEC | O_NOATIME);
+    return descriptor >= 0 || errno != EPERM ? descriptor : open(path, O_RDONLY | O_CLOEXEC);
 }
 
 bool ReadAt(int descriptor, uint64_t offset, void* into, size_t bytes) {
@@ -651,8 +659,8 @@ Sidecar::~Sidecar() = default;
 bool Sidecar::Open(const loam::FileSpec& indexFile) {
     state = std::make_unique<State>();
     State& s = *state;
-    s.index = open(indexFile.GetPath().GetCString(), O_RDONLY | O_CLOEXEC);
-    s.side = open(FileBeside(indexFile).GetPath().GetCString(), O_RDONLY | O_CLOEXEC);
+    s.index = OpenToRead(indexFile.GetPath().GetCString());
+    s.side = OpenToRead(FileBeside(indexFile).GetPath().GetCString());
     struct stat indexStatus {
     }, sideStatus{};
     uint64_t sample = 0;
