@@ -126,13 +126,12 @@ bool Within(uint64_t at, uint64_t bytes, uint64_t fileSize) {
     return at >= sizeof(Header) && at <= fileSize && bytes <= fileSize - at;
 }
 
-void PutVarint(uint32_t value, uint8_t* out, int& length) {
-    length = 0;
+void AppendVarint(uint32_t value, std::vector<uint8_t>& out) {
     while (value >= 0x80) {
-        out[length++] = static_cast<uint8_t>(value | 0x80);
+        out.push_back(static_cast<uint8_t>(value | 0x80));
         value >>= 7;
     }
-    out[length++] = static_cast<uint8_t>(value);
+    out.push_back(static_cast<uint8_t>(value));
 }
 
 } // namespace
@@ -164,8 +163,8 @@ namespace {
 
 // Pairs of key and block, as they are gathered: the key in the high bits.
 constexpr int BlockBits = 32;
-constexpr uint32_t KeyDigitBits = 9;
-constexpr uint32_t KeyDigits = 3;
+constexpr uint32_t KeyDigitBits = 13;
+constexpr uint32_t KeyDigits = 2;
 static_assert(KeyDigitBits * KeyDigits >= 25, "keys of three bytes and the long-name keys");
 
 // Sorts the pairs by key alone, keeping the order of the blocks within a key, in the passes of a
@@ -289,6 +288,16 @@ private:
 
     bool TakeNumber(uint32_t& value) {
         value = 0;
+        // Most numbers lie whole in the buffer, and are read there without a copy per byte.
+        if (buffer.size() - used >= 5) {
+            for (int shift = 0; shift <= 28; shift += 7) {
+                const uint8_t byte = buffer[used++];
+                value |= static_cast<uint32_t>(byte & 0x7F) << shift;
+                if (byte < 0x80)
+                    return true;
+            }
+            return false;
+        }
         for (int shift = 0; shift <= 28; shift += 7) {
             uint8_t byte = 0;
             if (!Take(&byte, 1))
@@ -383,7 +392,7 @@ void SidecarWriter::AddPair(uint64_t pair) {
 // key's blocks as gaps after its first: a block that several names of one block share once.
 bool SidecarWriter::WriteRun() {
     SortByKey(pairs, spare);
-    std::vector<uint8_t> bytes;
+    std::vector<uint8_t> bytes, numbers;
     bool written = true;
     uint32_t lastKey = 0;
     for (size_t at = 0; at < pairs.size() && written;) {
@@ -395,24 +404,17 @@ bool SidecarWriter::WriteRun() {
             const auto block = static_cast<uint32_t>(pairs[at]);
             if (block == piece.last)
                 continue;
-            uint8_t gap[5];
-            int length = 0;
-            PutVarint(block - piece.last - 1, gap, length);
-            bytes.insert(bytes.end(), gap, gap + length);
+            AppendVarint(block - piece.last - 1, bytes);
             piece.last = block;
             ++piece.blocks;
         }
         piece.bytes = static_cast<uint32_t>(bytes.size());
-        uint8_t numbers[5 * 5];
-        int length = 0;
+        numbers.clear();
         for (const uint32_t number : {piece.key - lastKey, piece.blocks, piece.first,
-                                      piece.last - piece.first, piece.bytes}) {
-            int more = 0;
-            PutVarint(number, numbers + length, more);
-            length += more;
-        }
+                                      piece.last - piece.first, piece.bytes})
+            AppendVarint(number, numbers);
         lastKey = piece.key;
-        written = runs->Append(numbers, static_cast<size_t>(length)) &&
+        written = runs->Append(numbers.data(), numbers.size()) &&
                   runs->Append(bytes.data(), bytes.size());
     }
     written = written && runs->Flush();
@@ -456,10 +458,7 @@ bool SidecarWriter::ForEachList(const ListTaker& take) {
             const RunPiece& piece = heads[run];
             if (piece.first < next || piece.blocks == 0)
                 return false;
-            uint8_t gap[5];
-            int length = 0;
-            PutVarint(piece.first - next, gap, length);
-            bytes.insert(bytes.end(), gap, gap + length);
+            AppendVarint(piece.first - next, bytes);
             bytes.insert(bytes.end(), headBytes[run].begin(), headBytes[run].end());
             blocks += piece.blocks;
             next = piece.last + 1;
