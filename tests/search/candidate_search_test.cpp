@@ -42,6 +42,8 @@ const Query queries[] = {
     {"x", false, false, May},
     {"lib?", false, false, May},
     {"?ab", false, false, May},
+    {"\xc9T\xc9*", false, false, May},
+    {"*BREAK", false, false, May},
     {"zlib", false, true, Must},
     {"ZLIB", false, true, Must},
     {"x86_64-linux-gnu", false, true, Must},
