@@ -101,4 +101,4 @@ def test(session):
 
 
 if __name__ == "__main__":
-    sys.exit(run(test, Session("wait-cursor", tree_files=20000)))
+    sys.exit(run(test, Session("wait-cursor", tree_files=60000)))
