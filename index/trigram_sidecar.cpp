@@ -2,6 +2,7 @@
 
 #include "index/index_data.h"
 #include "index/index_format.h"
+#include "index/large_array.h"
 #include "loam/disk_file.h"
 #include "loam/error.h"
 #include "loam/string.h"
@@ -584,11 +585,11 @@ struct Sidecar::State {
     int side = -1;
     Header header{};
     std::vector<Bucket> buckets;
-    // The landmark pages read, each checked once, one after another, and where each page starts
-    // among them, one past, or 0 for a page not read; and the checksums of all pages, read with
-    // the first of them.
-    std::vector<uint32_t> keptLandmarks;
-    std::vector<uint32_t> pageStarts;
+    // Every block's landmark, in memory that is handed over only where a page of them is read,
+    // and which pages are read and checked; and the checksums of all pages, read with the first
+    // of them.
+    LargeArray<uint32_t> landmarks;
+    std::vector<bool> pagesRead;
     std::vector<uint64_t> pageSums;
     std::vector<Entry> entries;
     // The entries of the keys looked up, found or not.
@@ -745,14 +746,14 @@ bool Sidecar::GetBlocks(uint32_t key, std::vector<uint32_t>& blocks) {
 }
 
 bool Sidecar::IsPageRead(uint32_t number) const {
-    return number < state->pageStarts.size() && state->pageStarts[number] != 0;
+    return number < state->pagesRead.size() && state->pagesRead[number];
 }
 
 bool Sidecar::GetLandmark(uint32_t block, uint32_t& offset) {
     const uint32_t number = block / PageLandmarks;
     if (!IsPageRead(number) && !LoadLandmarkPages({number}))
         return false;
-    offset = state->keptLandmarks[state->pageStarts[number] - 1 + block % PageLandmarks];
+    offset = state->landmarks[block];
     return true;
 }
 
@@ -763,14 +764,14 @@ bool Sidecar::LoadLandmarkPages(const std::vector<uint32_t>& numbers) {
     const uint32_t pageCount = (s.header.blockCount + PageLandmarks - 1) / PageLandmarks;
     if (s.pageSums.empty()) {
         s.pageSums.resize(pageCount);
-        if (!ReadAt(s.side, s.header.pageChecksumsAt, s.pageSums.data(),
-                    s.pageSums.size() * sizeof(uint64_t))) {
+        s.landmarks = AllocateLargeArray<uint32_t>(s.header.blockCount);
+        if (!s.landmarks || !ReadAt(s.side, s.header.pageChecksumsAt, s.pageSums.data(),
+                                    s.pageSums.size() * sizeof(uint64_t))) {
             s.pageSums.clear();
             return false;
         }
-        s.pageStarts.assign(pageCount, 0);
+        s.pagesRead.assign(pageCount, false);
     }
-    std::vector<uint32_t> landmarks;
     for (size_t first = 0; first < numbers.size();) {
         size_t last = first + 1;
         while (last < numbers.size() && numbers[last] - numbers[last - 1] <= PagesReadBetween)
@@ -779,19 +780,15 @@ bool Sidecar::LoadLandmarkPages(const std::vector<uint32_t>& numbers) {
             return false;
         const uint32_t from = numbers[first] * PageLandmarks;
         const uint32_t to = std::min(s.header.blockCount, (numbers[last - 1] + 1) * PageLandmarks);
-        landmarks.resize(to - from);
         if (!ReadAt(s.side, s.header.landmarksAt + uint64_t{from} * sizeof(uint32_t),
-                    landmarks.data(), landmarks.size() * sizeof(uint32_t)))
+                    s.landmarks.get() + from, (to - from) * sizeof(uint32_t)))
             return false;
         for (uint32_t number = numbers[first]; number <= numbers[last - 1]; ++number) {
-            const uint32_t* page = landmarks.data() + (number * PageLandmarks - from);
-            const uint32_t count = std::min(PageLandmarks, to - number * PageLandmarks);
-            if (Checksum(page, count * sizeof(uint32_t)) != s.pageSums[number])
+            const uint32_t start = number * PageLandmarks;
+            const uint32_t count = std::min(PageLandmarks, to - start);
+            if (Checksum(s.landmarks.get() + start, count * sizeof(uint32_t)) != s.pageSums[number])
                 return false;
-            if (IsPageRead(number))
-                continue;
-            s.pageStarts[number] = static_cast<uint32_t>(s.keptLandmarks.size()) + 1;
-            s.keptLandmarks.insert(s.keptLandmarks.end(), page, page + count);
+            s.pagesRead[number] = true;
         }
         first = last;
     }
