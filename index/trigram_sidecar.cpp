@@ -2,7 +2,6 @@
 
 #include "index/index_data.h"
 #include "index/index_format.h"
-#include "index/large_array.h"
 #include "loam/disk_file.h"
 #include "loam/error.h"
 #include "loam/string.h"
@@ -30,6 +29,8 @@ constexpr uint32_t SampleBytes = 1 << 16;
 // Landmarks are checked a page at a time.
 constexpr uint32_t PageLandmarks = 128;
 constexpr uint32_t PagesReadBetween = 8;
+// Landmark pages are kept in chunks of this many.
+constexpr uint32_t ChunkPages = 64;
 // A bucket of the key directory holds about this many keys, read and checked together.
 constexpr uint32_t BucketKeys = 128;
 constexpr uint32_t MaxBuckets = 1 << 20;
@@ -585,12 +586,14 @@ struct Sidecar::State {
     int side = -1;
     Header header{};
     std::vector<Bucket> buckets;
-    // Every block's landmark, in memory that is handed over only where a page of them is read,
-    // and which pages are read and checked; and the checksums of all pages, read with the first
-    // of them.
-    LargeArray<uint32_t> landmarks;
-    std::vector<bool> pagesRead;
+    // The landmark pages read, each checked once, one after another in chunks that are never
+    // moved, and where each page lies among them, one past, or 0 for a page not read; the
+    // checksums of all pages, read with the first of them; and room to read pages into.
+    std::vector<std::unique_ptr<uint32_t[]>> keptChunks;
+    std::vector<uint32_t> pageSlots;
+    uint32_t keptPages = 0;
     std::vector<uint64_t> pageSums;
+    std::vector<uint32_t> readPages;
     std::vector<Entry> entries;
     // The entries of the keys looked up, found or not.
     std::unordered_map<uint32_t, std::pair<bool, Entry>> looked;
@@ -707,8 +710,8 @@ bool Sidecar::CountBlocks(uint32_t key, uint32_t& count) {
     return true;
 }
 
-bool Sidecar::GetBlocks(uint32_t key, std::vector<uint32_t>& blocks) {
-    blocks.clear();
+bool Sidecar::ReadList(uint32_t key, uint32_t& count) {
+    count = 0;
     const Entry* found = nullptr;
     if (!state || !state->FindEntry(key, found))
         return false;
@@ -720,58 +723,86 @@ bool Sidecar::GetBlocks(uint32_t key, std::vector<uint32_t>& blocks) {
         uint64_t{entry.offset} + entry.bytes > s.header.postingsBytes)
         return false;
     s.postings.resize(entry.bytes);
-    if (!ReadAt(s.side, s.header.postingsAt + entry.offset, s.postings.data(), entry.bytes) ||
-        Checksum(s.postings.data(), entry.bytes) != entry.checksum)
+    count = entry.blocks;
+    return ReadAt(s.side, s.header.postingsAt + entry.offset, s.postings.data(), entry.bytes) &&
+           Checksum(s.postings.data(), entry.bytes) == entry.checksum;
+}
+
+template <typename Take> bool Sidecar::DecodeList(uint32_t key, Take take) {
+    uint32_t count = 0;
+    if (!ReadList(key, count))
         return false;
-    blocks.reserve(entry.blocks);
+    const std::vector<uint8_t>& bytes = state->postings;
     uint64_t next = 0;
     size_t at = 0;
-    for (uint32_t i = 0; i < entry.blocks; ++i) {
+    for (uint32_t i = 0; i < count; ++i) {
         uint64_t gap = 0;
         for (int shift = 0;; shift += 7) {
-            if (at == s.postings.size() || shift > 28)
+            if (at == bytes.size() || shift > 28)
                 return false;
-            const uint8_t byte = s.postings[at++];
+            const uint8_t byte = bytes[at++];
             gap |= uint64_t{byte & 0x7Fu} << shift;
             if (byte < 0x80)
                 break;
         }
         const uint64_t block = next + gap;
-        if (block >= s.header.blockCount)
+        if (block >= state->header.blockCount)
             return false;
-        blocks.push_back(static_cast<uint32_t>(block));
+        take(static_cast<uint32_t>(block));
         next = block + 1;
     }
-    return at == s.postings.size();
+    return count == 0 || at == bytes.size();
+}
+
+bool Sidecar::GetBlocks(uint32_t key, std::vector<uint32_t>& blocks) {
+    blocks.clear();
+    return DecodeList(key, [&](uint32_t block) { blocks.push_back(block); });
+}
+
+bool Sidecar::NarrowBlocks(uint32_t key, std::vector<uint32_t>& blocks) {
+    auto kept = blocks.begin();
+    auto next = blocks.cbegin();
+    const bool decoded = DecodeList(key, [&](uint32_t block) {
+        while (next != blocks.cend() && *next < block)
+            ++next;
+        if (next != blocks.cend() && *next == block)
+            *kept++ = *next++;
+    });
+    blocks.erase(kept, blocks.end());
+    return decoded;
 }
 
 bool Sidecar::IsPageRead(uint32_t number) const {
-    return number < state->pagesRead.size() && state->pagesRead[number];
+    return number < state->pageSlots.size() && state->pageSlots[number] != 0;
 }
 
 bool Sidecar::GetLandmark(uint32_t block, uint32_t& offset) {
     const uint32_t number = block / PageLandmarks;
     if (!IsPageRead(number) && !LoadLandmarkPages({number}))
         return false;
-    offset = state->landmarks[block];
+    const uint32_t slot = state->pageSlots[number] - 1;
+    offset = state->keptChunks[slot / ChunkPages]
+                              [slot % ChunkPages * PageLandmarks + block % PageLandmarks];
     return true;
 }
 
 // Pages of landmarks, ascending, each checked against its checksum. A read costs about as much
-// as copying a few pages, so pages close together are read at once, with those between them.
+// as copying a few pages, so pages close together are read at once, with those between them,
+// and kept. They are kept close together, in chunks that are never copied to grow: every page
+// of fresh memory that a search touches costs it about as much as a read.
 bool Sidecar::LoadLandmarkPages(const std::vector<uint32_t>& numbers) {
     State& s = *state;
     const uint32_t pageCount = (s.header.blockCount + PageLandmarks - 1) / PageLandmarks;
     if (s.pageSums.empty()) {
         s.pageSums.resize(pageCount);
-        s.landmarks = AllocateLargeArray<uint32_t>(s.header.blockCount);
-        if (!s.landmarks || !ReadAt(s.side, s.header.pageChecksumsAt, s.pageSums.data(),
-                                    s.pageSums.size() * sizeof(uint64_t))) {
+        if (!ReadAt(s.side, s.header.pageChecksumsAt, s.pageSums.data(),
+                    s.pageSums.size() * sizeof(uint64_t))) {
             s.pageSums.clear();
             return false;
         }
-        s.pagesRead.assign(pageCount, false);
+        s.pageSlots.assign(pageCount, 0);
     }
+    std::vector<uint32_t>& landmarks = s.readPages;
     for (size_t first = 0; first < numbers.size();) {
         size_t last = first + 1;
         while (last < numbers.size() && numbers[last] - numbers[last - 1] <= PagesReadBetween)
@@ -780,15 +811,24 @@ bool Sidecar::LoadLandmarkPages(const std::vector<uint32_t>& numbers) {
             return false;
         const uint32_t from = numbers[first] * PageLandmarks;
         const uint32_t to = std::min(s.header.blockCount, (numbers[last - 1] + 1) * PageLandmarks);
+        landmarks.resize(to - from);
         if (!ReadAt(s.side, s.header.landmarksAt + uint64_t{from} * sizeof(uint32_t),
-                    s.landmarks.get() + from, (to - from) * sizeof(uint32_t)))
+                    landmarks.data(), landmarks.size() * sizeof(uint32_t)))
             return false;
         for (uint32_t number = numbers[first]; number <= numbers[last - 1]; ++number) {
-            const uint32_t start = number * PageLandmarks;
-            const uint32_t count = std::min(PageLandmarks, to - start);
-            if (Checksum(s.landmarks.get() + start, count * sizeof(uint32_t)) != s.pageSums[number])
+            const uint32_t* page = landmarks.data() + (number * PageLandmarks - from);
+            const uint32_t count = std::min(PageLandmarks, to - number * PageLandmarks);
+            if (Checksum(page, count * sizeof(uint32_t)) != s.pageSums[number])
                 return false;
-            s.pagesRead[number] = true;
+            if (IsPageRead(number))
+                continue;
+            const uint32_t slot = s.keptPages++;
+            if (slot % ChunkPages == 0)
+                s.keptChunks.push_back(
+                    std::make_unique_for_overwrite<uint32_t[]>(size_t{ChunkPages} * PageLandmarks));
+            std::copy(page, page + count,
+                      s.keptChunks.back().get() + slot % ChunkPages * PageLandmarks);
+            s.pageSlots[number] = slot + 1;
         }
         first = last;
     }

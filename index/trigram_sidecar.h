@@ -112,6 +112,8 @@ public:
     bool CountBlocks(uint32_t key, uint32_t& count);
     // The ascending blocks listed under a key; none for a key not in the file.
     bool GetBlocks(uint32_t key, std::vector<uint32_t>& blocks);
+    // Keeps of the ascending blocks those that a key lists; none for a key not in the file.
+    bool NarrowBlocks(uint32_t key, std::vector<uint32_t>& blocks);
     // The records of each of the ascending blocks, as they lie in the index, handed to `take`
     // a block at a time, each checked to be whole, to end its names with a NUL and to name
     // earlier records as parents. Blocks that lie close together in the index are read at
@@ -123,6 +125,9 @@ public:
 
 private:
     struct State;
+    // Reads and checks the bytes of a key's list, and says how many blocks it holds.
+    bool ReadList(uint32_t key, uint32_t& count);
+    template <typename Take> bool DecodeList(uint32_t key, Take take);
     bool IsPageRead(uint32_t number) const;
     bool GetLandmark(uint32_t block, uint32_t& offset);
     bool LoadLandmarkPages(const std::vector<uint32_t>& numbers);

@@ -75,14 +75,12 @@ bool BlocksOfAll(trigram::Sidecar& sidecar, const std::vector<uint32_t>& keys, B
         byLength.emplace_back(count, key);
     }
     std::sort(byLength.begin(), byLength.end());
-    Blocks more;
     for (size_t i = 0; i < byLength.size(); ++i) {
         if (i > 0 && byLength[i].first > blocks.size() * EntriesPerBlockRead)
             break;
-        if (!sidecar.GetBlocks(byLength[i].second, i == 0 ? blocks : more))
+        if (!(i == 0 ? sidecar.GetBlocks(byLength[i].second, blocks)
+                     : sidecar.NarrowBlocks(byLength[i].second, blocks)))
             return false;
-        if (i > 0)
-            Intersect(blocks, more);
     }
     return true;
 }
