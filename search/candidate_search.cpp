@@ -7,8 +7,10 @@
 #include "search/name_automaton.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <iterator>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -173,47 +175,73 @@ struct Held {
     uint32_t parent = IndexNoParent;
 };
 
-// Records of the index kept by ordinal in one pool, found by ordinal among those added in
-// order or sorted since.
-class Records {
+// Folders by ordinal, each found in a probe or a few: a search looks up each folder above its
+// matches several times, and every folder of each block it reads.
+class FolderTable {
 public:
+    explicit FolderTable(size_t expected)
+        : slots(std::bit_ceil(std::max<size_t>(expected * 2, 64))) {}
+    // Keeps the first record given for an ordinal.
     void Add(uint32_t ordinal, const Held& held) {
-        if (sorted == places.size() && (places.empty() || places.back().ordinal < ordinal))
-            ++sorted;
-        places.push_back({ordinal, pool.size()});
-        pool.insert(pool.end(), held.record, held.record + RecordBytes(held.record));
-        SetParent(pool.data() + places.back().at, held.parent);
+        if ((count + 1) * 2 > slots.size())
+            Grow();
+        Slot& slot = slots[PlaceOf(ordinal)];
+        if (slot.held.record)
+            return;
+        slot = {ordinal, held};
+        ++count;
     }
-    void Sort() {
-        const auto added = places.begin() + static_cast<ptrdiff_t>(sorted);
-        std::sort(added, places.end());
-        std::inplace_merge(places.begin(), added, places.end());
-        sorted = places.size();
+    // None for an ordinal not added.
+    Held Find(uint32_t ordinal) const { return slots[PlaceOf(ordinal)].held; }
+
+private:
+    struct Slot {
+        uint32_t ordinal = 0;
+        Held held;
+    };
+    size_t PlaceOf(uint32_t ordinal) const {
+        const size_t mask = slots.size() - 1;
+        size_t place = (ordinal * size_t{0x9E3779B97F4A7C15}) >> 32 & mask;
+        while (slots[place].held.record && slots[place].ordinal != ordinal)
+            place = (place + 1) & mask;
+        return place;
     }
-    // The record of an ordinal; none when it was not read, or added out of order since the last
-    // sort.
-    Held Find(uint32_t ordinal) const {
-        const auto end = places.begin() + static_cast<ptrdiff_t>(sorted);
-        const auto found = std::lower_bound(places.begin(), end, Place{ordinal, 0});
-        return found != end && found->ordinal == ordinal ? Get(found - places.begin()) : Held{};
+    void Grow() {
+        std::vector<Slot> old(slots.size() * 2);
+        old.swap(slots);
+        count = 0;
+        for (const Slot& slot : old) {
+            if (slot.held.record)
+                Add(slot.ordinal, slot.held);
+        }
     }
-    size_t GetCount() const { return places.size(); }
-    uint32_t GetOrdinal(size_t i) const { return places[i].ordinal; }
-    Held Get(size_t i) const {
-        const char* record = pool.data() + places[i].at;
-        return {record, ParentOf(record)};
+
+    std::vector<Slot> slots;
+    size_t count = 0;
+};
+
+// Copies of records read, which stay where they are while more are kept.
+class RecordPool {
+public:
+    const char* Keep(const char* record) {
+        const size_t length = RecordBytes(record);
+        if (chunks.empty() || ChunkBytes - used < length) {
+            chunks.push_back(std::make_unique_for_overwrite<char[]>(ChunkBytes));
+            used = 0;
+        }
+        char* copy = chunks.back().get() + used;
+        std::memcpy(copy, record, length);
+        used += length;
+        return copy;
     }
 
 private:
-    struct Place {
-        uint32_t ordinal;
-        size_t at;
-        bool operator<(const Place& other) const { return ordinal < other.ordinal; }
-    };
-    std::vector<char> pool;
-    std::vector<Place> places;
-    size_t sorted = 0;
+    static constexpr size_t ChunkBytes = size_t{1} << 16;
+    std::vector<std::unique_ptr<char[]>> chunks;
+    size_t used = 0;
 };
+
+using OrdinalRecords = std::vector<std::pair<uint32_t, Held>>;
 
 // The candidate blocks' records one after another, read straight into an index of their own,
 // over which the pass runs: it reads nothing but names, so each record's parent there is none,
@@ -251,15 +279,10 @@ public:
     }
 
     IndexData& GetIndex() { return index; }
+    int32_t GetCount() const { return static_cast<int32_t>(ordinals.size()); }
     uint32_t GetOrdinal(int32_t i) const { return ordinals[static_cast<size_t>(i)]; }
     Held Get(int32_t i) const {
         return {reinterpret_cast<const char*>(index.GetRecord(i)), parents[static_cast<size_t>(i)]};
-    }
-    Held Find(uint32_t ordinal) const {
-        const auto found = std::lower_bound(ordinals.begin(), ordinals.end(), ordinal);
-        return found != ordinals.end() && *found == ordinal
-                   ? Get(static_cast<int32_t>(found - ordinals.begin()))
-                   : Held{};
     }
 
 private:
@@ -269,16 +292,17 @@ private:
 };
 
 // The folders above the matches, read a level at a time, each from the candidates when it is
-// among them and otherwise from its block, every block once a level. A folder's entries follow
-// it, so the other folders of a block read are kept too: they are often those a later level
-// asks for.
+// among them and otherwise from its block, every block once a level, and kept in the pool. A
+// folder's entries follow it, so the other folders of a block read are kept too: they are often
+// those a later level asks for.
 bool ReadFolders(trigram::Sidecar& sidecar, const Candidates& candidates,
-                 const std::vector<Held>& matches, Records& folders) {
-    Records seen;
-    const auto find = [&](uint32_t ordinal) {
-        const Held held = candidates.Find(ordinal);
-        return held.record ? held : seen.Find(ordinal);
-    };
+                 const std::vector<Held>& matches, RecordPool& pool, OrdinalRecords& folders) {
+    FolderTable known(matches.size() * 4);
+    for (int32_t i = 0; i < candidates.GetCount(); ++i) {
+        const Held held = candidates.Get(i);
+        if (reinterpret_cast<const IndexRecord*>(held.record)->IsFolder())
+            known.Add(candidates.GetOrdinal(i), held);
+    }
     // Every level's folders are folders above the matches.
     std::vector<uint32_t> wanted, unread, above;
     for (const Held& match : matches) {
@@ -293,7 +317,7 @@ bool ReadFolders(trigram::Sidecar& sidecar, const Candidates& candidates,
         unread.clear();
         blocks.clear();
         for (const uint32_t ordinal : wanted) {
-            if (find(ordinal).record)
+            if (known.Find(ordinal).record)
                 continue;
             unread.push_back(ordinal);
             if (blocks.empty() || blocks.back() != ordinal / trigram::BlockRecords)
@@ -307,38 +331,37 @@ bool ReadFolders(trigram::Sidecar& sidecar, const Candidates& candidates,
                     const auto* record = reinterpret_cast<const IndexRecord*>(bytes + at);
                     const bool isWanted = next != unread.end() && *next == ordinal;
                     next += isWanted;
-                    if (isWanted || (record->IsFolder() && !find(ordinal).record))
-                        seen.Add(ordinal, {bytes + at, record->parent});
+                    if ((isWanted || record->IsFolder()) && !known.Find(ordinal).record)
+                        known.Add(ordinal, {pool.Keep(bytes + at), record->parent});
                     at += RecordBytes(bytes + at);
                 }
                 return true;
             });
         if (!read || next != unread.end())
             return false;
-        seen.Sort();
         // Up a level from every folder of this one, read now or before.
         for (uint32_t& ordinal : wanted)
-            ordinal = find(ordinal).parent;
+            ordinal = known.Find(ordinal).parent;
         wanted.erase(std::remove(wanted.begin(), wanted.end(), IndexNoParent), wanted.end());
     }
     std::sort(above.begin(), above.end());
     above.erase(std::unique(above.begin(), above.end()), above.end());
     for (const uint32_t ordinal : above)
-        folders.Add(ordinal, find(ordinal));
+        folders.emplace_back(ordinal, known.Find(ordinal));
     return true;
 }
 
 // The matches and the folders above them in file order, as an index whose every parent is the
 // ordinal of its record among them, with the matches as its results.
 bool LoadAnswer(const std::vector<uint32_t>& matchOrdinals, const std::vector<Held>& matches,
-                const Records& folders, IndexData& index) {
+                const OrdinalRecords& folders, IndexData& index) {
     std::vector<std::pair<uint32_t, Held>> all;
-    all.reserve(matches.size() + folders.GetCount());
+    all.reserve(matches.size() + folders.size());
     for (size_t i = 0; i < matches.size(); ++i)
         all.emplace_back(matchOrdinals[i], matches[i]);
-    for (size_t i = 0; i < folders.GetCount(); ++i) {
-        if (!std::binary_search(matchOrdinals.begin(), matchOrdinals.end(), folders.GetOrdinal(i)))
-            all.emplace_back(folders.GetOrdinal(i), folders.Get(i));
+    for (const auto& [ordinal, folder] : folders) {
+        if (!std::binary_search(matchOrdinals.begin(), matchOrdinals.end(), ordinal))
+            all.emplace_back(ordinal, folder);
     }
     const auto byOrdinal = [](const std::pair<uint32_t, Held>& one,
                               const std::pair<uint32_t, Held>& other) {
@@ -409,8 +432,9 @@ bool Search(IndexData& index, const loam::FileSpec& indexFile, const loam::Strin
         matchOrdinals.push_back(candidates.GetOrdinal(at));
         matches.push_back(candidates.Get(at));
     }
-    Records folders;
-    return ReadFolders(sidecar, candidates, matches, folders) &&
+    RecordPool pool;
+    OrdinalRecords folders;
+    return ReadFolders(sidecar, candidates, matches, pool, folders) &&
            LoadAnswer(matchOrdinals, matches, folders, index);
 }
 
