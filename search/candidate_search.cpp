@@ -236,7 +236,8 @@ public:
     }
 
 private:
-    static constexpr size_t ChunkBytes = size_t{1} << 16;
+    // A page at a time: a search reads few folders, and every page of fresh memory costs it.
+    static constexpr size_t ChunkBytes = 4096;
     std::vector<std::unique_ptr<char[]>> chunks;
     size_t used = 0;
 };
