@@ -356,7 +356,7 @@ bool ReadFolders(trigram::Sidecar& sidecar, const Candidates& candidates,
 // ordinal of its record among them, with the matches as its results.
 bool LoadAnswer(const std::vector<uint32_t>& matchOrdinals, const std::vector<Held>& matches,
                 const OrdinalRecords& folders, IndexData& index) {
-    std::vector<std::pair<uint32_t, Held>> all;
+    OrdinalRecords all;
     all.reserve(matches.size() + folders.size());
     for (size_t i = 0; i < matches.size(); ++i)
         all.emplace_back(matchOrdinals[i], matches[i]);
