@@ -176,48 +176,52 @@ struct Held {
 };
 
 // Folders by ordinal, each found in a probe or a few: a search looks up each folder above its
-// matches several times, and every folder of each block it reads.
+// matches several times, and every folder of each block it reads. Its slots are small, since
+// every page of them is fresh memory that the search must be handed.
 class FolderTable {
 public:
     explicit FolderTable(size_t expected)
         : slots(std::bit_ceil(std::max<size_t>(expected * 2, 64))) {}
     // Keeps the first record given for an ordinal.
     void Add(uint32_t ordinal, const Held& held) {
-        if ((count + 1) * 2 > slots.size())
+        if ((folders.size() + 1) * 2 > slots.size())
             Grow();
         Slot& slot = slots[PlaceOf(ordinal)];
-        if (slot.held.record)
+        if (slot.folder != 0)
             return;
-        slot = {ordinal, held};
-        ++count;
+        folders.push_back(held);
+        slot = {ordinal, static_cast<uint32_t>(folders.size())};
     }
     // None for an ordinal not added.
-    Held Find(uint32_t ordinal) const { return slots[PlaceOf(ordinal)].held; }
+    Held Find(uint32_t ordinal) const {
+        const Slot& slot = slots[PlaceOf(ordinal)];
+        return slot.folder != 0 ? folders[slot.folder - 1] : Held{};
+    }
 
 private:
     struct Slot {
         uint32_t ordinal = 0;
-        Held held;
+        // One past the folder's place among the folders, or 0 for a free slot.
+        uint32_t folder = 0;
     };
     size_t PlaceOf(uint32_t ordinal) const {
         const size_t mask = slots.size() - 1;
         size_t place = (ordinal * size_t{0x9E3779B97F4A7C15}) >> 32 & mask;
-        while (slots[place].held.record && slots[place].ordinal != ordinal)
+        while (slots[place].folder != 0 && slots[place].ordinal != ordinal)
             place = (place + 1) & mask;
         return place;
     }
     void Grow() {
-        std::vector<Slot> old(slots.size() * 2);
-        old.swap(slots);
-        count = 0;
-        for (const Slot& slot : old) {
-            if (slot.held.record)
-                Add(slot.ordinal, slot.held);
+        std::vector<Slot> more(slots.size() * 2);
+        slots.swap(more);
+        for (const Slot& slot : more) {
+            if (slot.folder != 0)
+                slots[PlaceOf(slot.ordinal)] = slot;
         }
     }
 
     std::vector<Slot> slots;
-    size_t count = 0;
+    std::vector<Held> folders;
 };
 
 // Copies of records read, which stay where they are while more are kept.
@@ -298,7 +302,7 @@ private:
 // those a later level asks for.
 bool ReadFolders(trigram::Sidecar& sidecar, const Candidates& candidates,
                  const std::vector<Held>& matches, RecordPool& pool, OrdinalRecords& folders) {
-    FolderTable known(matches.size() * 4);
+    FolderTable known(matches.size() * 2);
     for (int32_t i = 0; i < candidates.GetCount(); ++i) {
         const Held held = candidates.Get(i);
         if (reinterpret_cast<const IndexRecord*>(held.record)->IsFolder())
